@@ -1,0 +1,281 @@
+#include "app/AppDelegate.h"
+
+#include "app/NativeAcknowledgements.h"
+#include "app/NativeRoot.h"
+#include "app/NativeSettings.h"
+#include "app/Sheet.h"
+#include "app/WindowFit.h"
+#include "app/controls/ButtonBase.h"
+#include "app/controls/Symbol.h"
+#include "app/controls/Typography.h"
+#include "model/ErrorText.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFile>
+#include <QIcon>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMetaObject>
+#include <QPixmap>
+#include <QScreen>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <cmath>
+
+namespace zarnet {
+
+namespace {
+
+constexpr int contentWidth = 940;
+constexpr int contentHeight = 520;
+constexpr double screenInset = 8;
+constexpr int fitDelay = 60;  // ms
+constexpr int fitMilliseconds = 220;
+
+QScreen* screenOf(const QWidget& window) {
+  return window.screen() != nullptr ? window.screen() : QGuiApplication::primaryScreen();
+}
+
+}  // namespace
+
+AppDelegate::AppDelegate(std::filesystem::path resourcesFolder) : resources(std::move(resourcesFolder)) {
+  pendingResize.setSingleShot(true);
+  pendingResize.setInterval(fitDelay);
+  connect(&pendingResize, &QTimer::timeout, this, [this] { resizeNow(pendingHeight); });
+  resizing.setDuration(fitMilliseconds);
+  resizing.setEasingCurve(QEasingCurve::InOutQuad);
+  connect(&resizing, &QVariantAnimation::valueChanged, this,
+          [this](const QVariant& frame) { window->setFrame(frame.toRect()); });
+}
+
+AppDelegate::~AppDelegate() {
+  subscriptions.clear();
+  resizing.stop();
+  settings.reset();
+  window.reset();
+  if (model) model->window = nullptr;
+}
+
+bool AppDelegate::applicationDidFinishLaunching() {
+  const QPixmap icon(QFile::decodeName((resources / "Zarnet.png").c_str()));
+  if (!icon.isNull()) QGuiApplication::setWindowIcon(icon);
+  try {
+    model = std::make_unique<NativeModel>(resources);
+  } catch (const std::exception& error) {
+    AlertSheet alert(nullptr, QStringLiteral("Unable to open Zarnet"), errorText(error),
+                     {QStringLiteral("OK")});
+    alert.setAttribute(Qt::WA_DeleteOnClose, false);
+    alert.exec();
+    return false;
+  }
+  animations = std::make_unique<PortalSetting>(
+      QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("enable-animations"),
+      QDBusConnection::sessionBus(),
+      [](const QVariant& wanted) { setMotionAllowed(wanted.typeId() != QMetaType::Bool || wanted.toBool()); },
+      0);
+  window = std::make_unique<MainWindow>();
+  buildMenuBar();
+  buildWindow();
+  return true;
+}
+
+void AppDelegate::buildMenuBar() {
+  QMenuBar* bar = window->menuBar();
+  bar->setFont(textFont(TextStyle::callout));
+  const auto item = [this](QMenu* menu, const QString& text, const QKeySequence& key, auto action) {
+    auto* entry = new QAction(text, menu);
+    entry->setShortcut(key);
+    connect(entry, &QAction::triggered, this, action);
+    menu->addAction(entry);
+    return entry;
+  };
+
+  QMenu* application = bar->addMenu(QStringLiteral("Zarnet"));
+  item(application, QStringLiteral("About Zarnet"), {}, [this] { about(); });
+  item(application, QStringLiteral("Acknowledgements…"), {}, [this] { showAcknowledgements(); });
+  item(application, QStringLiteral("Donate…"), {}, [this] { donate(); });
+  application->addSeparator();
+  item(application, QStringLiteral("Settings…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), [this] {
+    showSettings();
+  })->setIcon(symbolIcon(QStringLiteral("gearshape"), 16, tokens(QApplication::palette()).text));
+  application->addSeparator();
+  item(application, QStringLiteral("Quit Zarnet"), QKeySequence(Qt::CTRL | Qt::Key_Q),
+       [] { QApplication::quit(); });
+
+  QMenu* file = bar->addMenu(QStringLiteral("File"));
+  importItem = item(file, QStringLiteral("Import Audio…"), QKeySequence(Qt::CTRL | Qt::Key_O),
+                    [this] { importAudio(); });
+  exportItem = item(file, QStringLiteral("Export Converted Audio…"),
+                    QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E), [this] { exportAudio(); });
+
+  QMenu* edit = bar->addMenu(QStringLiteral("Edit"));
+  item(edit, QStringLiteral("Copy"), QKeySequence(Qt::CTRL | Qt::Key_C), [this] { copyEdit("copy"); });
+  item(edit, QStringLiteral("Paste"), QKeySequence(Qt::CTRL | Qt::Key_V), [this] { copyEdit("paste"); });
+  item(edit, QStringLiteral("Select All"), QKeySequence(Qt::CTRL | Qt::Key_A),
+       [this] { copyEdit("selectAll"); });
+
+  QMenu* windows = bar->addMenu(QStringLiteral("Window"));
+  item(windows, QStringLiteral("Minimize"), QKeySequence(Qt::CTRL | Qt::Key_M),
+       [this] { window->showMinimized(); });
+}
+
+void AppDelegate::buildWindow() {
+  sheets = std::make_unique<WindowSheets>(window.get());
+  model->window = sheets.get();
+
+  root = new NativeRoot(*model, [this](double height) { fitContent(height); });
+  window->setCentralWidget(root);
+  const int chrome = window->menuBar()->sizeHint().height();
+  window->setFixedSize(contentWidth, contentHeight + chrome);
+  connect(window.get(), &MainWindow::movedByUser, this, [this] { userMovedMainWindow = true; });
+  connect(window.get(), &MainWindow::closed, qApp, &QApplication::quit);
+
+  subscriptions.push_back(model->glass.subscribe([this](bool glass) { window->setBackdropVisible(glass); }));
+  subscriptions.push_back(model->willChange.subscribe([this](const Property& property) {
+    if (&property == &model->position || &property == &model->progress) return;
+    QMetaObject::invokeMethod(this, &AppDelegate::validateMenus, Qt::QueuedConnection);
+  }));
+  validateMenus();
+
+  if (const QScreen* screen = screenOf(*window)) {
+    const QRectF whole = screen->geometry();
+    const QRectF visible =
+        QRectF(screen->availableGeometry()).adjusted(screenInset, screenInset, -screenInset, -screenInset);
+    const ScreenRect current = upwards(window->frameGeometry(), whole.bottom());
+    const ScreenRect target =
+        fittedMainWindowFrame(current, upwards(visible, whole.bottom()), current.height, true);
+    window->setFrame(downwards(target, whole.bottom()).toRect());
+  }
+  window->show();
+  window->raise();
+  window->activateWindow();
+}
+
+void AppDelegate::fitContent(double height) {
+  if (!std::isfinite(height) || height <= 0) return;
+  pendingHeight = height;
+  pendingResize.start();
+}
+
+void AppDelegate::resizeNow(double height) {
+  const QScreen* screen = window ? screenOf(*window) : nullptr;
+  if (screen == nullptr || root == nullptr) return;
+  const double bottom = QRectF(screen->geometry()).bottom();
+  const QRectF visible =
+      QRectF(screen->availableGeometry()).adjusted(screenInset, screenInset, -screenInset, -screenInset);
+  const QRect frame = window->frameGeometry();
+  const double chrome = frame.height() - root->height();
+  const ScreenRect current = upwards(frame, bottom);
+  const ScreenRect target = fittedMainWindowFrame(current, upwards(visible, bottom),
+                                                  std::ceil(height) + chrome, !userMovedMainWindow);
+  if (std::abs(current.height - target.height) <= 1 && std::abs(current.x - target.x) <= 1 &&
+      std::abs(current.y - target.y) <= 1) {
+    return;
+  }
+  const QRect goal = downwards(target, bottom).toRect();
+  resizing.stop();
+  if (!window->isVisible() || !motionAllowed()) return window->setFrame(goal);
+  resizing.setStartValue(frame);
+  resizing.setEndValue(goal);
+  resizing.start();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool) {
+  if (window) {
+    window->showNormal();
+    window->raise();
+    window->activateWindow();
+  }
+  return true;
+}
+
+void AppDelegate::applicationWillTerminate() {
+  if (model) model->cleanup();
+}
+
+void AppDelegate::importFiles(const std::vector<std::filesystem::path>& files) {
+  if (model && !files.empty()) model->importFiles(files);
+}
+
+void AppDelegate::validateMenus() {
+  for (QAction* item : {importItem, exportItem})
+    item->setEnabled(validateMenuItem(item));
+}
+
+bool AppDelegate::validateMenuItem(const QAction* item) const {
+  if (item == importItem) return model && *model->stage == Stage::setup && !model->importing && !model->busy;
+  if (item == exportItem) return model && model->exportURL.has_value() && !model->busy;
+  return true;
+}
+
+void AppDelegate::importAudio() {
+  if (model) model->choose();
+}
+
+void AppDelegate::exportAudio() {
+  if (model) model->exportAudio();
+}
+
+void AppDelegate::copyEdit(const char* operation) const {
+  // The focused widget answers when it has such an operation, as texts and text fields do.
+  QWidget* focused = QApplication::focusWidget();
+  if (focused != nullptr && focused->metaObject()->indexOfMethod(QByteArray(operation) + "()") >= 0) {
+    QMetaObject::invokeMethod(focused, operation);
+  }
+}
+
+void AppDelegate::donate() {
+  const QString address = QStringLiteral(ZARNET_DONATION_ADDRESS);
+  const QUrl url(address, QUrl::StrictMode);
+  if (url.isValid() && QDesktopServices::openUrl(url)) return;
+  if (model) {
+    model->error = QStringLiteral("Could not open the donation page. Visit ") + address +
+                   QStringLiteral(" in your browser.");
+  }
+}
+
+QWidget* AppDelegate::auxiliaryWindow(const QString& title, QWidget* content) const {
+  auto* frame = new QWidget(
+      nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+  frame->setAttribute(Qt::WA_QuitOnClose, false);
+  frame->setWindowTitle(title);
+  auto* column = new QVBoxLayout(frame);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  column->addWidget(content);
+  frame->adjustSize();
+  if (const QScreen* screen = screenOf(*window)) {
+    frame->move(screen->availableGeometry().center() - frame->rect().center());
+  }
+  return frame;
+}
+
+void AppDelegate::about() {
+  if (!aboutPanel) {
+    aboutPanel.reset(auxiliaryWindow(QStringLiteral("About Zarnet"),
+                                     new AboutPanel(QApplication::applicationVersion(), QString())));
+  }
+  aboutPanel->show();
+  aboutPanel->raise();
+  aboutPanel->activateWindow();
+}
+
+void AppDelegate::showAcknowledgements() {
+  if (!acknowledgements) {
+    acknowledgements.reset(auxiliaryWindow(QStringLiteral("Acknowledgements"), new NativeAcknowledgements));
+  }
+  acknowledgements->show();
+  acknowledgements->raise();
+  acknowledgements->activateWindow();
+}
+
+void AppDelegate::showSettings() {
+  if (!settings) settings.reset(auxiliaryWindow(QStringLiteral("Settings"), new NativeSettings(*model)));
+  settings->show();
+  settings->raise();
+  settings->activateWindow();
+}
+
+}  // namespace zarnet

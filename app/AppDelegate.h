@@ -1,0 +1,86 @@
+#pragma once
+
+#include "app/MainWindow.h"
+#include "app/WindowSheets.h"
+#include "desktop/PortalSetting.h"
+#include "desktop/Signal.h"
+#include "model/NativeModel.h"
+
+#include <QObject>
+#include <QPropertyAnimation>
+#include <QTimer>
+#include <QVariantAnimation>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+class QAction;
+
+namespace zarnet {
+
+class NativeRoot;
+
+/// The application around the model: it builds the menu bar and the main window, keeps the window fitted to
+/// its content, opens the other windows, and cleans up on quit. Lives for the whole run. Interface thread.
+class AppDelegate : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit AppDelegate(std::filesystem::path resources);
+  ~AppDelegate() override;
+
+  /// Starts up: icon, model, menu bar, main window. When the model cannot be made it says so in an alert and
+  /// returns false; nothing else is built then.
+  bool applicationDidFinishLaunching();
+  /// Brings the main window to the front; always true.
+  bool applicationShouldHandleReopen(bool hasVisibleWindows);
+  /// Stops background work and the player and removes the temporary audio. Called once, when the application
+  /// ends.
+  void applicationWillTerminate();
+
+  /// Imports the files given on the command line.
+  void importFiles(const std::vector<std::filesystem::path>& files);
+
+  /// Fits the window to a content of this height, in points, 0.06 s later; further calls until then replace
+  /// it. A height that is not finite or not above 0 is ignored.
+  void fitContent(double height);
+
+  // Menu actions.
+  void about();
+  void showAcknowledgements();
+  void donate();
+  void showSettings();
+  void importAudio();
+  void exportAudio();
+  /// Whether the menu item of this action may be chosen now.
+  bool validateMenuItem(const QAction* item) const;
+
+ private:
+  void buildMenuBar();
+  void buildWindow();
+  void resizeNow(double height);
+  QWidget* auxiliaryWindow(const QString& title, QWidget* content) const;
+  void copyEdit(const char* operation) const;
+  void validateMenus();
+
+  const std::filesystem::path resources;
+  std::unique_ptr<NativeModel> model;
+  std::unique_ptr<MainWindow> window;
+  std::unique_ptr<WindowSheets> sheets;
+  std::unique_ptr<QWidget> settings;
+  std::unique_ptr<QWidget> acknowledgements;
+  std::unique_ptr<QWidget> aboutPanel;
+  NativeRoot* root = nullptr;
+  QAction* importItem = nullptr;
+  QAction* exportItem = nullptr;
+  std::vector<Subscription> subscriptions;
+
+  std::unique_ptr<PortalSetting> animations;  ///< whether the desktop wants any
+
+  QTimer pendingResize;
+  double pendingHeight = 0;
+  QVariantAnimation resizing;
+  bool userMovedMainWindow = false;
+};
+
+}  // namespace zarnet

@@ -1,0 +1,354 @@
+#include "app/NativeRoot.h"
+#include "app/Popover.h"
+#include "app/controls/Artwork.h"
+#include "app/controls/Button.h"
+#include "app/controls/ClockText.h"
+#include "app/controls/RoundedPanel.h"
+#include "app/controls/SideCard.h"
+#include "app/controls/Slider.h"
+#include "app/controls/SymbolView.h"
+#include "app/controls/Text.h"
+#include "app/controls/Toggles.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+
+namespace zarnet {
+
+namespace {
+
+constexpr double skip = 5;             // seconds
+constexpr double leastRange = 0.1;     // seconds, of the position slider
+constexpr int sliderSteps = 1000;      // of the position slider, for each second
+constexpr int volumeSteps = 1000;      // of the whole volume slider
+constexpr double shortestPart = 0.05;  // seconds, between a loop's start and the end of the track
+constexpr double loopPush = 1;         // seconds, that one end of the loop keeps from the other
+
+QHBoxLayout* bareRow(QWidget* panel, int spacing) {
+  auto* row = new QHBoxLayout(panel);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(spacing);
+  return row;
+}
+
+QVBoxLayout* bareColumn(QWidget* panel, int spacing) {
+  auto* column = new QVBoxLayout(panel);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(spacing);
+  return column;
+}
+
+Button* skipButton(const QString& symbol, const QString& label) {
+  auto* button = new Button(Button::Kind::borderless);
+  button->setSymbol(symbol, 26);
+  button->setToolTip(label);
+  button->setAccessibleName(label);
+  return button;
+}
+
+}  // namespace
+
+QWidget* NativeRoot::listen() {
+  auto* screen = new QWidget;
+  auto* column = bareColumn(screen, 20);
+  column->addWidget(header());
+  column->addWidget(new Divider);
+  column->addWidget(currentTrack());
+  column->addWidget(playback());
+  auto* sides = new QWidget;
+  auto* row = bareRow(sides, 16);
+  row->addWidget(version(QStringLiteral("A")), 1);
+  row->addWidget(version(QStringLiteral("B")), 1);
+  column->addWidget(sides);
+  column->addWidget(question());
+  column->addWidget(verdict());
+  return screen;
+}
+
+QWidget* NativeRoot::header() {
+  auto* panel = new QWidget;
+  auto* row = bareRow(panel, 18);
+  auto* back = new Button(Button::Kind::borderless, QStringLiteral("Back"));
+  back->setSymbol(QStringLiteral("chevron.left"), 15);
+  connect(back, &QAbstractButton::clicked, this, [this] { model.back(); });
+  auto* count = new ClockText(TextStyle::callout);
+  count->setSecondary(true);
+  auto* symbol = new SymbolView(QStringLiteral("eye.slash"), {17, 17}, SymbolView::Ink::secondary);
+  auto* state = new Text(TextStyle::callout);
+  state->setSecondary(true);
+  row->addWidget(back);
+  row->addWidget(count);
+  row->addStretch(1);
+  auto* label = new QHBoxLayout;
+  label->setSpacing(7);
+  label->addWidget(symbol);
+  label->addWidget(state);
+  row->addLayout(label);
+  follow([this, count, symbol, state] {
+    count->setVisible(model.tournament());
+    count->setText(QStringLiteral("Track %1 of %2").arg(*model.index + 1).arg(model.roundSongs.size()));
+    const bool revealed = *model.stage == Stage::reveal;
+    symbol->setSymbol(revealed ? QStringLiteral("eye") : QStringLiteral("eye.slash"));
+    state->setText(revealed ? QStringLiteral("Revealed") : QStringLiteral("Blind comparison"));
+  });
+  return panel;
+}
+
+QWidget* NativeRoot::currentTrack() {
+  auto* panel = new QWidget;
+  auto* row = bareRow(panel, 18);
+  auto* artwork = new Artwork;
+  auto* title = new Text(TextStyle::trackTitle);
+  auto* artist = new Text(TextStyle::artist);
+  auto* album = new Text(TextStyle::body);
+  album->setSecondary(true);
+  auto* texts = new QVBoxLayout;
+  texts->setSpacing(6);
+  texts->addStretch(1);
+  for (Text* text : {title, artist, album}) {
+    text->setSelectable(true);
+    texts->addWidget(text);
+  }
+  texts->addStretch(1);
+  row->addWidget(artwork, 0, Qt::AlignTop);
+  row->addLayout(texts, 1);
+  follow([this, artwork, title, artist, album] {
+    const std::optional<Song> song = model.current();
+    if (!song) return;
+    screens[Stage::listen].widget->setAccessibleName(QStringLiteral("Blind comparison: ") + song->title);
+    artwork->setImage(song->artwork.value_or(QImage()));
+    title->setText(song->trackTitle);
+    artist->setText(song->artist.value_or(QString()));
+    artist->setVisible(song->artist.has_value());
+    album->setText(song->album.value_or(QString()));
+    album->setVisible(song->album.has_value());
+  });
+  return panel;
+}
+
+QWidget* NativeRoot::playback() {
+  auto* panel = new QWidget;
+  auto* column = bareColumn(panel, 4);
+  auto* level = new Text(TextStyle::caption);
+  level->setSecondary(true);
+  auto* slider = new Slider;
+  slider->setAccessibleName(QStringLiteral("Playback position"));
+  slider->setSingleStep(static_cast<int>(skip) * sliderSteps);
+  slider->setPageStep(static_cast<int>(skip) * sliderSteps);
+  connect(slider, &Slider::moved, this,
+          [this](int value) { model.seek(static_cast<double>(value) / sliderSteps); });
+  auto* position = new ClockText(TextStyle::caption);
+  auto* duration = new ClockText(TextStyle::caption);
+  position->setSecondary(true);
+  duration->setSecondary(true);
+  auto* clocks = new QHBoxLayout;
+  clocks->addWidget(position);
+  clocks->addStretch(1);
+  clocks->addWidget(duration);
+  column->addWidget(level);
+  column->addWidget(slider);
+  column->addLayout(clocks);
+  column->addSpacing(4);
+  column->addWidget(transport());
+
+  follow([this, level, slider, duration] {
+    level->setText(model.roundMatch ? QStringLiteral("Loudness matched")
+                                    : QStringLiteral("Original relative levels"));
+    slider->setRange(0, static_cast<int>(std::lround(std::max(*model.duration, leastRange) * sliderSteps)));
+    duration->setText(clockText(model.duration));
+  });
+  followPosition([this, slider, position] {
+    slider->display(static_cast<int>(std::lround(*model.position * sliderSteps)));
+    position->setText(clockText(model.position));
+  });
+  return panel;
+}
+
+QWidget* NativeRoot::transport() {
+  auto* panel = new QWidget;
+  auto* row = bareRow(panel, 16);
+  Button* backward = skipButton(QStringLiteral("gobackward.5"), QStringLiteral("Back five seconds"));
+  Button* forward = skipButton(QStringLiteral("goforward.5"), QStringLiteral("Forward five seconds"));
+  auto* play = new PlayButton;
+  firstFocus[Stage::listen] = play;
+  connect(backward, &QAbstractButton::clicked, this,
+          [this] { model.seek(std::max(*model.position - skip, 0.0)); });
+  connect(forward, &QAbstractButton::clicked, this,
+          [this] { model.seek(std::min(*model.position + skip, *model.duration)); });
+  connect(play, &QAbstractButton::clicked, this, [this] { model.playPause(); });
+
+  auto* volume = new Slider;
+  volume->setRange(0, volumeSteps);
+  volume->setSingleStep(volumeSteps / 20);
+  volume->setPageStep(volumeSteps / 5);
+  volume->setFixedWidth(90);
+  volume->setAccessibleName(QStringLiteral("Volume"));
+  connect(volume, &Slider::moved, this, [this](int value) {
+    model.volume = static_cast<double>(value) / volumeSteps;
+    model.player.setVolume(model.volume);
+  });
+  auto* loudness = new QHBoxLayout;
+  loudness->setSpacing(10);
+  loudness->addWidget(new SymbolView(QStringLiteral("speaker.wave.2"), {18, 18}, SymbolView::Ink::secondary));
+  loudness->addWidget(volume);
+
+  loopButton = new Button(Button::Kind::borderless);
+  connect(loopButton, &QAbstractButton::clicked, this, [this] {
+    if (popover == nullptr) {
+      popover = new Popover(window());
+      popover->setContent(loopControls());
+      connect(popover, &Popover::closed, this, [this] { showingLoop = false; });
+    }
+    showingLoop = !showingLoop;
+    if (showingLoop) popover->openUnder(loopButton);
+    if (!showingLoop) popover->hide();
+  });
+
+  row->addWidget(backward);
+  row->addWidget(play);
+  row->addWidget(forward);
+  row->addSpacing(14);
+  row->addLayout(loudness);
+  row->addSpacing(14);
+  row->addWidget(loopButton);
+  row->addStretch(1);
+  follow([this, play, volume] {
+    play->setPlaying(model.playing);
+    volume->display(static_cast<int>(std::lround(*model.volume * volumeSteps)));
+    loopButton->setText(model.loop ? QStringLiteral("Loop on") : QStringLiteral("Loop"));
+    loopButton->setSymbol(QStringLiteral("repeat"), 17);
+    loopButton->setAccented(model.loop);
+    loopButton->updateGeometry();
+  });
+  return panel;
+}
+
+QWidget* NativeRoot::loopControls() {
+  building = &screens[Stage::listen];
+  auto* panel = new QWidget;
+  auto* column = new QVBoxLayout(panel);
+  column->setContentsMargins(20, 20, 20, 20);
+  column->setSpacing(14);
+  auto* toggle = new CheckBox(QStringLiteral("Loop a section"));
+  connect(toggle, &QAbstractButton::clicked, this, [this](bool on) {
+    model.loop = on;
+    model.updateLoop();
+  });
+  auto* range = new ClockText(TextStyle::title);
+  auto* start = new Button(Button::Kind::standard, QStringLiteral("Set start"));
+  auto* end = new Button(Button::Kind::standard, QStringLiteral("Set end"));
+  connect(start, &QAbstractButton::clicked, this, &NativeRoot::setLoopStart);
+  connect(end, &QAbstractButton::clicked, this, &NativeRoot::setLoopEnd);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(12);
+  row->addWidget(start);
+  row->addWidget(end);
+  row->addStretch(1);
+  column->addWidget(toggle);
+  column->addWidget(range);
+  column->addLayout(row);
+  const auto follower = [this, toggle, range] {
+    toggle->setChecked(model.loop);
+    range->setText(clockText(model.loopStart) + QStringLiteral(" – ") + clockText(model.loopEnd));
+  };
+  follow(follower);
+  building = nullptr;
+  follower();
+  return panel;
+}
+
+void NativeRoot::setLoopStart() {
+  model.loopStart = std::min(*model.position, std::max(*model.duration - shortestPart, 0.0));
+  model.loopEnd = std::max(*model.loopEnd, std::min(*model.loopStart + loopPush, *model.duration));
+  model.updateLoop();
+}
+
+void NativeRoot::setLoopEnd() {
+  model.loopEnd = std::max(*model.position, shortestPart);
+  model.loopStart = std::min(*model.loopStart, std::max(*model.loopEnd - loopPush, 0.0));
+  model.updateLoop();
+}
+
+QWidget* NativeRoot::version(const QString& side) {
+  auto* card = new SideCard(side);
+  connect(card, &QAbstractButton::clicked, this, [this, side] { model.select(side); });
+  follow([this, card, side] {
+    card->setSelected(*model.selected == side);
+    card->setGlass(model.glass);
+    if (*model.stage != Stage::reveal) {
+      card->setIdentity({}, {});
+    } else if (*model.lossless == side) {
+      card->setIdentity(QStringLiteral("Lossless original"), model.originalDescription);
+    } else {
+      card->setIdentity(QStringLiteral("Compressed from the original"),
+                        QStringLiteral("%1 · %2 kbps").arg(model.roundCodec).arg(model.roundRate));
+    }
+  });
+  return card;
+}
+
+QWidget* NativeRoot::question() {
+  auto* panel = new QWidget;
+  auto* column = bareColumn(panel, 20);
+  auto* answers = new QWidget;
+  answers->setMaximumWidth(460);
+  auto* row = bareRow(answers, 10);
+  row->addWidget(preference(QStringLiteral("A"), QStringLiteral("A")), 1);
+  row->addWidget(preference(QStringLiteral("B"), QStringLiteral("B")), 1);
+  row->addWidget(preference(QStringLiteral("I can’t tell"), QStringLiteral("same")), 1);
+  auto* confirm = new Button(Button::Kind::prominent);
+  connect(confirm, &QAbstractButton::clicked, this, [this] { model.confirm(); });
+  column->addWidget(new Text(TextStyle::headline, QStringLiteral("Which sounds better to you?")));
+  column->addWidget(answers);
+  column->addWidget(confirm);
+  follow([this, panel, confirm] {
+    panel->setVisible(*model.stage == Stage::listen);
+    const bool last = *model.index + 1 == static_cast<std::int64_t>(model.roundSongs.size());
+    confirm->setText(!model.tournament() ? QStringLiteral("Confirm && reveal")
+                     : last              ? QStringLiteral("Confirm && show tally")
+                                         : QStringLiteral("Confirm && next track"));
+    confirm->updateGeometry();
+    confirm->setEnabled(model.vote->has_value());
+  });
+  return panel;
+}
+
+QWidget* NativeRoot::preference(const QString& label, const QString& value) {
+  auto* button = new AnswerButton(label);
+  connect(button, &QAbstractButton::clicked, this, [this, value] { model.vote = value; });
+  follow([this, button, value] { button->setSelected(*model.vote == value); });
+  return button;
+}
+
+QWidget* NativeRoot::verdict() {
+  auto* panel = new QWidget;
+  auto* column = bareColumn(panel, 20);
+  auto* sentence = new Text(TextStyle::verdict);
+  auto* again = new Button(Button::Kind::tall, QStringLiteral("New comparison"));
+  auto* save = new Button(Button::Kind::prominent, QStringLiteral("Save results image…"));
+  firstFocus[Stage::reveal] = save;
+  connect(again, &QAbstractButton::clicked, this, [this] { model.back(); });
+  connect(save, &QAbstractButton::clicked, this, [this] { model.saveResults(); });
+  auto* row = new QHBoxLayout;
+  row->setSpacing(12);
+  row->addWidget(again);
+  row->addWidget(save);
+  row->addStretch(1);
+  column->addWidget(sentence);
+  column->addLayout(row);
+  follow([this, panel, sentence] {
+    panel->setVisible(*model.stage == Stage::reveal);
+    if (model.answers->empty()) return;
+    const Vote& answer = model.answers->front();
+    sentence->setText(answer.choice == QStringLiteral("same")
+                          ? QStringLiteral("You couldn’t tell a difference.")
+                          : QStringLiteral("You preferred the %1 version!")
+                                .arg(answer.choice == answer.lossless ? QStringLiteral("lossless")
+                                                                      : QStringLiteral("lossy")));
+  });
+  return panel;
+}
+
+}  // namespace zarnet

@@ -1,0 +1,58 @@
+#include "app/MainWindow.h"
+
+#include "app/Translucency.h"
+#include "desktop/Palette.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QMoveEvent>
+#include <QPainter>
+
+namespace zarnet {
+
+namespace {
+constexpr qint64 settling = 400;  // ms, in which a window manager may still answer the program's last move
+constexpr double backdropOpacity = 0.9;  // nothing blurs what lies behind; texts stay legible over anything
+}  // namespace
+
+MainWindow::MainWindow() : translucent(canBeTranslucent()) {
+  setWindowTitle(QStringLiteral("Zarnet"));
+  setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                 Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint);
+  if (translucent) setAttribute(Qt::WA_TranslucentBackground);
+  sinceProgramMove.start();
+}
+
+void MainWindow::setBackdropVisible(bool visible) {
+  if (backdropVisible == visible) return;
+  backdropVisible = visible;
+  update();
+}
+
+void MainWindow::setFrame(const QRect& frame) {
+  sinceProgramMove.restart();
+  placed = frame.topLeft();
+  const QSize decorations = frameGeometry().size() - size();
+  setFixedSize(frame.size() - decorations);
+  move(frame.topLeft());
+}
+
+void MainWindow::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  const QColor ground = tokens(palette()).window;
+  painter.fillRect(rect(), translucent && backdropVisible ? withOpacity(ground, backdropOpacity) : ground);
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+  QMainWindow::moveEvent(event);
+  if (!isVisible() || sinceProgramMove.elapsed() < settling || pos() == placed) return;
+  Q_EMIT movedByUser();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->accept();
+  Q_EMIT closed();
+}
+
+}  // namespace zarnet

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+
+namespace zarnet {
+
+/// The content of the acknowledgements window: the program's name, what it is, and the credits. 440 × 230.
+class NativeAcknowledgements : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit NativeAcknowledgements(QWidget* parent = nullptr);
+};
+
+/// The content of the about panel: icon, name and versions. An empty build version is left out.
+class AboutPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  AboutPanel(const QString& version, const QString& build, QWidget* parent = nullptr);
+};
+
+}  // namespace zarnet

@@ -1,0 +1,260 @@
+#include "app/NativeRoot.h"
+
+#include "app/Sheet.h"
+#include "app/controls/ButtonBase.h"
+#include "app/controls/FocusRing.h"
+#include "app/controls/SideCard.h"
+#include "app/controls/Text.h"
+#include "desktop/Palette.h"
+
+#include <QAccessible>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMetaObject>
+#include <QMimeData>
+#include <QPainter>
+#include <QPointer>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QVBoxLayout>
+#include <utility>
+
+namespace zarnet {
+
+namespace {
+
+constexpr int padding = 28;
+constexpr int widest = 1200;
+
+/// The frame shown around the content while files hover over the window.
+class Outline : public QWidget {
+ public:
+  explicit Outline(QWidget* parent) : QWidget(parent) {
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawBox(painter, rect(), 12, Qt::transparent, tokens(palette()).accent, 3);
+  }
+};
+
+}  // namespace
+
+NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightReceiver, QWidget* parent)
+    : QWidget(parent),
+      model(ofModel),
+      onContentHeight(std::move(heightReceiver)),
+      scroll(new QScrollArea(this)),
+      content(new QWidget),
+      page(new QVBoxLayout),
+      outline(new Outline(this)) {
+  setAcceptDrops(true);
+
+  content->setMaximumWidth(widest);
+  page->setContentsMargins(padding, padding, padding, padding);
+  page->setSpacing(0);
+  content->setLayout(page);
+  content->installEventFilter(this);
+
+  auto* frame = new QVBoxLayout(this);
+  frame->setContentsMargins(0, 0, 0, 0);
+  frame->addWidget(scroll);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setWidgetResizable(true);
+  scroll->setAlignment(Qt::AlignTop | Qt::AlignHCenter);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->viewport()->setAutoFillBackground(false);
+  content->setAutoFillBackground(false);
+  scroll->setWidget(content);
+  content->setAutoFillBackground(false);
+  new FocusRing(content);
+
+  addShortcut(Qt::Key_Space, [this] { model.playPause(); });
+  addShortcut(Qt::Key_A, [this] { model.select(QStringLiteral("A")); });
+  addShortcut(Qt::Key_B, [this] { model.select(QStringLiteral("B")); });
+
+  subscription = model.willChange.subscribe([this](const Property& property) { changed(property); });
+  dirty = true;
+  positionOnly = false;
+  refresh();
+}
+
+NativeRoot::~NativeRoot() = default;
+
+bool NativeRoot::isClear() const {
+  return model.glass;
+}
+
+void NativeRoot::addShortcut(const QKeySequence& key, std::function<void()> action) {
+  auto* shortcut = new QShortcut(key, this);
+  shortcut->setAutoRepeat(false);
+  connect(shortcut, &QShortcut::activated, this, std::move(action));
+  shortcuts.push_back(shortcut);
+}
+
+void NativeRoot::follow(std::function<void()> follower) {
+  building->followers.push_back(std::move(follower));
+}
+
+void NativeRoot::followPosition(std::function<void()> follower) {
+  building->followers.push_back(follower);
+  building->ticks.push_back(std::move(follower));
+}
+
+void NativeRoot::changed(const Property& property) {
+  if (&property != &model.position) positionOnly = false;
+  if (dirty) return;
+  dirty = true;
+  QMetaObject::invokeMethod(this, &NativeRoot::refresh, Qt::QueuedConnection);
+}
+
+void NativeRoot::refresh() {
+  if (!dirty) return;
+  const bool tick = std::exchange(positionOnly, true);
+  dirty = false;
+  if (tick) {
+    for (const auto& follower : shown->ticks)
+      follower();
+    return;
+  }
+  showScreen();
+  showSheets();
+  update();
+}
+
+NativeRoot::Screen& NativeRoot::screenOf(Stage stage) {
+  // The reveal is the listening screen with the answer in place of the question.
+  Screen& screen = screens[stage == Stage::reveal ? Stage::listen : stage];
+  if (screen.widget == nullptr) {
+    building = &screen;
+    screen.widget = stage == Stage::setup ? setup() : stage == Stage::tally ? tally() : listen();
+    building = nullptr;
+    screen.widget->hide();
+    page->addWidget(screen.widget);
+  }
+  return screen;
+}
+
+void NativeRoot::showScreen() {
+  Screen& screen = screenOf(model.stage);
+  for (const auto& follower : screen.followers)
+    follower();
+  if (shown != &screen) {
+    if (shown != nullptr) shown->widget->hide();
+    shown = &screen;
+    shown->widget->show();
+    scroll->verticalScrollBar()->setValue(0);
+  }
+  const bool comparison = *model.stage == Stage::listen || *model.stage == Stage::reveal;
+  for (QShortcut* shortcut : shortcuts)
+    shortcut->setEnabled(comparison);
+  if (const std::pair<Stage, std::int64_t> now{model.stage, model.index}; now != announced) {
+    announced = now;
+    announce();
+  }
+}
+
+void NativeRoot::announce() {
+  // A screen reader speaks the new screen's name, and goes on from its first control.
+  QAccessibleEvent event(shown->widget, QAccessible::Alert);
+  QAccessible::updateAccessibility(&event);
+  if (QWidget* first = firstFocus[model.stage]; first != nullptr && first->isEnabled()) {
+    first->setFocus(Qt::OtherFocusReason);
+  }
+}
+
+void NativeRoot::showSheets() {
+  if (model.busy && busySheet == nullptr) {
+    busySheet = new BusySheet(window());
+    connect(busySheet, &BusySheet::cancelled, this, [this] { model.cancel(); });
+    busySheet->open();
+  }
+  if (busySheet != nullptr) busySheet->setProgress(model.progress);
+  if (!model.busy && busySheet != nullptr) {
+    busySheet->close();
+    busySheet->deleteLater();
+    busySheet = nullptr;
+  }
+  if (model.error->has_value() && alert == nullptr && busySheet == nullptr) {
+    alert = new AlertSheet(window(), QStringLiteral("Zarnet"), **model.error, {QStringLiteral("OK")});
+    connect(alert, &QDialog::finished, this, [this] { model.error = std::nullopt; });
+    alert->open();
+  } else if (model.error->has_value() && alert != nullptr) {
+    alert->setInformativeText(**model.error);
+  } else if (!model.error->has_value() && alert != nullptr) {
+    alert->close();
+  }
+}
+
+void NativeRoot::reportHeight() {
+  if (content->width() <= 0) return;
+  const double height =
+      content->hasHeightForWidth() ? content->heightForWidth(content->width()) : content->sizeHint().height();
+  if (height == reportedHeight) return;
+  reportedHeight = height;
+  onContentHeight(height);
+}
+
+bool NativeRoot::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == content && (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize)) {
+    // The layout takes this event after us; what it comes to is known in the next turn.
+    QMetaObject::invokeMethod(this, &NativeRoot::reportHeight, Qt::QueuedConnection);
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void NativeRoot::paintEvent(QPaintEvent*) {
+  if (!isClear()) QPainter(this).fillRect(rect(), tokens(palette()).window);
+}
+
+void NativeRoot::resizeEvent(QResizeEvent*) {
+  outline->setGeometry(rect());
+}
+
+void NativeRoot::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) update();
+  QWidget::changeEvent(event);
+}
+
+void NativeRoot::setTargeted(bool targetedNow) {
+  if (targeted == targetedNow) return;
+  targeted = targetedNow;
+  outline->raise();
+  outline->setVisible(targeted);
+}
+
+bool NativeRoot::drop(const std::vector<std::shared_ptr<ItemProvider>>& providers) {
+  if (*model.stage != Stage::setup || model.importing || model.busy) return false;
+  loadFiles(providers, [self = QPointer<NativeRoot>(this)](const std::vector<std::filesystem::path>& files) {
+    if (self != nullptr && !files.empty()) self->model.importFiles(files);
+  });
+  return true;
+}
+
+void NativeRoot::dragEnterEvent(QDragEnterEvent* event) {
+  const bool welcome = *model.stage == Stage::setup && !model.importing && !model.busy;
+  if (!welcome || !event->mimeData()->hasFormat(QStringLiteral("text/uri-list"))) return event->ignore();
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  setTargeted(true);
+}
+
+void NativeRoot::dragLeaveEvent(QDragLeaveEvent*) {
+  setTargeted(false);
+}
+
+void NativeRoot::dropEvent(QDropEvent* event) {
+  setTargeted(false);
+  if (!drop(droppedItems(*event->mimeData()))) return event->ignore();
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+}  // namespace zarnet

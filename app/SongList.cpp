@@ -1,0 +1,107 @@
+#include "app/SongList.h"
+
+#include "app/controls/Button.h"
+#include "app/controls/ClockText.h"
+#include "app/controls/RoundedPanel.h"
+#include "app/controls/SymbolView.h"
+#include "app/controls/Text.h"
+#include "model/NativeModel.h"
+
+#include <QHBoxLayout>
+#include <QMetaObject>
+#include <QVBoxLayout>
+
+namespace zarnet {
+
+namespace {
+constexpr std::size_t portion = 12;  ///< rows made in one turn of the event loop: about 10 ms
+}
+
+class SongList::Row : public QWidget {
+ public:
+  Row(const Song& ofSong, const std::function<void(const Song&)>& removeSong)
+      : song(ofSong), divider(new Divider), button(new Button(Button::Kind::borderless)) {
+    auto* titles = new QVBoxLayout;
+    titles->setSpacing(5);
+    auto* title = new Text(TextStyle::headline, song.title);
+    title->setSelectable(true);
+    auto* detail = new Text(TextStyle::caption, song.detail);
+    detail->setSecondary(true);
+    detail->setOverflow(Text::Overflow::elide);
+    titles->addWidget(title);
+    titles->addWidget(detail);
+
+    auto* clock = new ClockText(TextStyle::callout);
+    clock->setSecondary(true);
+    clock->setText(clockText(song.duration));
+
+    button->setSymbol(QStringLiteral("xmark"), 14);
+    button->setToolTip(QStringLiteral("Remove ") + song.title);
+    button->setAccessibleName(button->toolTip());
+    connect(button, &QAbstractButton::clicked, this, [this, removeSong] { removeSong(Song(song)); });
+
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(0, 8, 0, 8);
+    row->setSpacing(14);
+    row->addWidget(new SymbolView(QStringLiteral("waveform"), {36, 20}, SymbolView::Ink::accent));
+    row->addLayout(titles, 1);
+    row->addWidget(clock);
+    row->addWidget(button);
+
+    auto* stack = new QVBoxLayout(this);
+    stack->setContentsMargins(0, 0, 0, 0);
+    stack->setSpacing(0);
+    stack->addWidget(divider);
+    stack->addLayout(row);
+  }
+
+  const Song song;
+  Divider* const divider;
+  Button* const button;
+};
+
+SongList::SongList(std::function<void(const Song&)> removeSong, QWidget* parent)
+    : QWidget(parent), remove(std::move(removeSong)), column(new QVBoxLayout(this)) {
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+}
+
+void SongList::setSongs(const std::vector<Song>& next) {
+  // Songs are appended and removed, never moved: a row stays as long as its song comes next in the list.
+  std::size_t kept = 0;
+  std::erase_if(rows, [&](Row* row) {
+    if (kept < next.size() && row->song.id == next[kept].id) {
+      ++kept;
+      return false;
+    }
+    column->removeWidget(row);
+    row->hide();
+    row->deleteLater();
+    return true;
+  });
+  songs = next;
+  addPortion();
+  if (!rows.empty()) rows.front()->divider->hide();
+}
+
+void SongList::addPortion() {
+  const std::size_t end = std::min(songs.size(), rows.size() + portion);
+  while (rows.size() < end) {
+    auto* row = new Row(songs[rows.size()], remove);
+    row->button->setEnabled(removable);
+    row->divider->setVisible(!rows.empty());
+    column->addWidget(row);
+    rows.push_back(row);
+  }
+  if (rows.size() < songs.size())
+    QMetaObject::invokeMethod(this, &SongList::addPortion, Qt::QueuedConnection);
+}
+
+void SongList::setRemovable(bool removableNow) {
+  if (removable == removableNow) return;
+  removable = removableNow;
+  for (Row* row : rows)
+    row->button->setEnabled(removable);
+}
+
+}  // namespace zarnet

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "model/Song.h"
+
+#include <QWidget>
+#include <functional>
+#include <vector>
+
+class QVBoxLayout;
+
+namespace zarnet {
+
+/// The rows of the imported songs, separated by dividers. It is given the whole list after each change and
+/// touches only the rows that differ; a long list arrives in portions, so that the window never stands still.
+class SongList : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `remove` is called with the song whose remove button was pressed.
+  explicit SongList(std::function<void(const Song&)> remove, QWidget* parent = nullptr);
+
+  void setSongs(const std::vector<Song>& songs);
+  void setRemovable(bool removable);
+
+ private:
+  class Row;
+
+  void addPortion();
+
+  const std::function<void(const Song&)> remove;
+  QVBoxLayout* column;
+  std::vector<Row*> rows;
+  std::vector<Song> songs;
+  bool removable = true;
+};
+
+}  // namespace zarnet

@@ -1,0 +1,52 @@
+#include "app/controls/Accessibility.h"
+
+#include "app/controls/ClockText.h"
+#include "app/controls/SideCard.h"
+#include "app/controls/Spinner.h"
+#include "app/controls/Text.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+namespace zarnet {
+
+namespace {
+
+/// A button that says whether it is the selected one; pressing it is its one action.
+class SelectableInterface : public QAccessibleWidget {
+ public:
+  explicit SelectableInterface(SelectableButton* button) : QAccessibleWidget(button, QAccessible::Button) {}
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.selectable = true;
+    state.selected = button()->isSelected();
+    return state;
+  }
+  QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+  void doAction(const QString& name) override {
+    if (name == pressAction()) return button()->click();
+    QAccessibleWidget::doAction(name);
+  }
+
+ private:
+  SelectableButton* button() const { return static_cast<SelectableButton*>(widget()); }
+};
+
+QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
+  if (auto* button = qobject_cast<SelectableButton*>(object)) return new SelectableInterface(button);
+  if (auto* text = qobject_cast<Text*>(object)) return new QAccessibleWidget(text, QAccessible::StaticText);
+  if (auto* clock = qobject_cast<ClockText*>(object))
+    return new QAccessibleWidget(clock, QAccessible::StaticText);
+  if (auto* spinner = qobject_cast<Spinner*>(object))
+    return new QAccessibleWidget(spinner, QAccessible::ProgressBar);
+  return nullptr;
+}
+
+}  // namespace
+
+void installAccessibility() {
+  QAccessible::installFactory(interfaceFor);
+}
+
+}  // namespace zarnet

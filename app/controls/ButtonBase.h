@@ -1,0 +1,52 @@
+#pragma once
+
+#include "desktop/Palette.h"
+
+#include <QAbstractButton>
+#include <QPainter>
+#include <QVariantAnimation>
+
+namespace zarnet {
+
+/// Whether fills may change gradually. Off while the desktop asks for reduced motion.
+void setMotionAllowed(bool allowed);
+bool motionAllowed();
+
+/// What all buttons of the application share: Return and Enter activate the focused one, hover and press
+/// shift the fill gradually, disabled means 0.4 of the opacity. Derived classes draw themselves in `paint`.
+class ButtonBase : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  explicit ButtonBase(QWidget* parent = nullptr);
+
+ protected:
+  /// Draws the control; the painter is antialiased and carries the disabled opacity already.
+  virtual void paint(QPainter& painter) = 0;
+
+  Tokens colours() const { return tokens(palette()); }
+  /// A fill moved by the state of the pointer: 4 % towards the text's colour under it, 8 % while pressed.
+  QColor shifted(const QColor& fill) const;
+  /// The same amount as a number, for fills that are an opacity of one colour: 0, 0.04, 0.08, or on the way
+  /// between.
+  double pointerShift() const { return shift; }
+
+  void paintEvent(QPaintEvent*) final;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool event(QEvent* event) override;
+
+ private:
+  void animateTo(double target);
+
+  QVariantAnimation animation;
+  double shift = 0;
+};
+
+/// The corner-rounded box of a control: filled, with an edge of `edgeWidth` inside `box`.
+void drawBox(QPainter& painter, const QRectF& box, double radius, const QColor& fill, const QColor& edge,
+             double edgeWidth);
+
+/// A colour moved towards another by `amount`, 0 to 1; the opacity stays that of `from`.
+QColor mixed(const QColor& from, const QColor& to, double amount);
+
+}  // namespace zarnet

@@ -1,0 +1,73 @@
+#include "app/AppDelegate.h"
+#include "app/ApplicationStyle.h"
+#include "app/controls/Accessibility.h"
+#include "desktop/QuitSignals.h"
+#include "prepare/Resources.h"
+
+#include <QApplication>
+#include <QMetaObject>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr char usage[] =
+    "usage: zarnet [FILE…]\n"
+    "Blind listening tests between a lossless recording and a lossy encoding of it.\n"
+    "The files are imported once the window is up.\n"
+    "  --help     shows this text\n"
+    "  --version  shows the version\n";
+
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::filesystem::path> files;
+  bool options = true;
+  // The toolkit takes its own options out of the list, so ours are read from a copy of what was typed.
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (options && argument == "--help") return std::fputs(usage, stdout) < 0;
+    if (options && argument == "--version") return std::puts("zarnet " ZARNET_VERSION) < 0;
+    if (options && argument == "--") {
+      options = false;
+    } else if (options && argument.size() > 1 && argument.starts_with('-')) {
+      std::fprintf(stderr, "zarnet: unknown option %s\n%s", argv[i], usage);
+      return 2;
+    } else {
+      std::error_code unknown;
+      const std::filesystem::path file = std::filesystem::absolute(argument, unknown);
+      files.push_back(unknown ? std::filesystem::path(argument) : file);
+    }
+  }
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+    std::fputs("Zarnet needs a display to open its window; zarnet-prepare works without one.\n", stderr);
+    return 1;
+  }
+
+  int toolkitArguments = 1;
+  QApplication application(toolkitArguments, argv);
+  QApplication::setApplicationName(QStringLiteral("Zarnet"));
+  QApplication::setApplicationVersion(QStringLiteral(ZARNET_VERSION));
+  QApplication::setDesktopFileName(QStringLiteral("org.zarnet.Zarnet"));
+  QApplication::setQuitOnLastWindowClosed(true);
+  zarnet::installAccessibility();
+  zarnet::applyApplicationStyle();
+
+  zarnet::AppDelegate delegate(zarnet::resourcesFolder());
+  const zarnet::QuitSignals signals([] { QApplication::quit(); });
+  if (!delegate.applicationDidFinishLaunching()) return 1;
+  QMetaObject::invokeMethod(
+      &delegate, [&] { delegate.importFiles(files); }, Qt::QueuedConnection);
+  const int status = QApplication::exec();
+  delegate.applicationWillTerminate();
+  return status;
+}

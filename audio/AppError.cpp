@@ -1,0 +1,16 @@
+#include "audio/AppError.h"
+
+#include "platform/PlatformError.h"
+
+#include <new>
+
+namespace zarnet {
+
+std::string errorDescription(const std::exception& error) {
+  if (const auto* own = dynamic_cast<const AppError*>(&error)) return own->message;
+  if (dynamic_cast<const PlatformError*>(&error) != nullptr) return error.what();
+  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return "There is not enough memory.";
+  return std::string("Something unexpected went wrong (") + error.what() + ").";
+}
+
+}  // namespace zarnet

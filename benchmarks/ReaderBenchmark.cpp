@@ -1,0 +1,100 @@
+#include "benchmarks/TwentyMinutes.h"
+#include "platform/AudioFileReader.h"
+#include "platform/FileHandle.h"
+#include "platform/SampleBuffer.h"
+#include "tests/support/Programs.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+namespace zarnet::benchmarks {
+namespace {
+
+using Options = std::vector<std::string>;
+
+/// The 20 minutes in another form, made by ffmpeg and removed at the end of the scope.
+class Converted {
+ public:
+  Converted(const std::string& name, const Options& options) : path(twentyMinutes().parent_path() / name) {
+    Options arguments = {"-i", twentyMinutes().string()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.push_back(path.string());
+    test::ffmpeg(arguments);
+  }
+  ~Converted() { std::filesystem::remove(path); }
+  Converted(const Converted&) = delete;
+  Converted& operator=(const Converted&) = delete;
+
+  const std::filesystem::path path;
+};
+
+/// Opens the file and reads all of it into fresh memory, whose page faults count too.
+void load(benchmark::State& state, const std::filesystem::path& path) {
+  for ([[maybe_unused]] auto _ : state) {
+    AudioFileReader reader(path);
+    std::optional<SampleBuffer> buffer(std::in_place, reader.processingChannels(), reader.length());
+    float* const planes[] = {buffer->plane(0), buffer->plane(1)};
+    if (reader.read(planes, reader.length()) != reader.length()) state.SkipWithError("the file ended early");
+    state.PauseTiming();
+    buffer.reset();
+    state.ResumeTiming();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(std::filesystem::file_size(path)));
+}
+
+/// What every load is to be compared with: the bytes of the float file copied to fresh memory as they are.
+void copyFloatCaf(benchmark::State& state) {
+  const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(twentyMinutes()));
+  for ([[maybe_unused]] auto _ : state) {
+    const FileHandle file = FileHandle::openForReading(twentyMinutes());
+    std::optional<SampleBuffer> buffer(std::in_place, 1, bytes / 4 + 1);
+    benchmark::DoNotOptimize(file.readAt(0, buffer->plane(0), static_cast<std::size_t>(bytes)));
+    state.PauseTiming();
+    buffer.reset();
+    state.ResumeTiming();
+  }
+  state.SetBytesProcessed(state.iterations() * bytes);
+}
+BENCHMARK(copyFloatCaf)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void loadFloatCaf(benchmark::State& state) {
+  load(state, twentyMinutes());
+}
+BENCHMARK(loadFloatCaf)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void loadConverted(benchmark::State& state, const std::string& name, const Options& options) {
+  const Converted file(name, options);
+  load(state, file.path);
+}
+BENCHMARK_CAPTURE(loadConverted, wave16, "a.wav", Options{"-c:a", "pcm_s16le"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(loadConverted, wave24, "a.wav", Options{"-c:a", "pcm_s24le"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(loadConverted, aiff24, "a.aiff", Options{"-c:a", "pcm_s24be"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(5);
+BENCHMARK_CAPTURE(loadConverted, flac24, "a.flac", Options{"-c:a", "flac", "-sample_fmt", "s32"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(2);
+BENCHMARK_CAPTURE(loadConverted, appleLossless24, "a.m4a", Options{"-c:a", "alac"})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+
+/// What an import asks of each file.
+void inspectFlac(benchmark::State& state) {
+  const Converted file("a.flac", {"-c:a", "flac"});
+  for ([[maybe_unused]] auto _ : state) {
+    AudioFileReader reader(file.path);
+    benchmark::DoNotOptimize(reader.length());
+  }
+}
+BENCHMARK(inspectFlac)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace zarnet::benchmarks

@@ -1,0 +1,49 @@
+# The settings that every target of the project shares, and the three ways to make one.
+
+include(GNUInstallDirs)
+find_package(PkgConfig REQUIRED)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  # Paths below the source tree count as relative ones, so that every checkout on a machine shares one cache.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${CCACHE}")
+endif()
+
+# One rounding per operation everywhere: the loudness and the rendered samples are compared bit for bit.
+add_compile_options(
+  -ffp-contract=off
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Werror)
+
+# Releases read files of any origin: their tables of addresses become read-only at the start.
+add_link_options("$<$<CONFIG:Release>:LINKER:-z,relro,-z,now>")
+
+# zarnet_library(NAME SOURCES … [PUBLIC lib…] [PRIVATE lib…]): the library of one room.
+function(zarnet_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+# zarnet_test(NAME SOURCES … LIBRARIES lib…): one GoogleTest binary; each of its cases is a test of CTest.
+function(zarnet_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} zarnet_support GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+endfunction()
+
+# zarnet_benchmark(NAME SOURCES … LIBRARIES lib…): one Google Benchmark program, run by script/bench.
+function(zarnet_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark_main)
+endfunction()

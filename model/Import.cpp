@@ -1,0 +1,70 @@
+#include "model/ErrorText.h"
+#include "model/NativeModel.h"
+
+#include <QStringList>
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+namespace zarnet {
+
+void NativeModel::importFiles(std::vector<std::filesystem::path> files) {
+  if (!listEditable()) return;
+  importing = true;
+  inBackground(importThread, importing, [this, files = std::move(files)](const std::stop_token& stop) {
+    ImportedSongs imported;
+    try {
+      imported = importSongs(files, stop);
+    } catch (const std::exception& failure) {
+      imported.messages.push_back(errorText(failure));
+    }
+    interfaceThread.post([this, imported = std::move(imported), stop] {
+      if (stop.stop_requested()) {
+        importing = false;
+      } else {
+        merge(imported);
+      }
+    });
+  });
+}
+
+void NativeModel::merge(const ImportedSongs& imported) {
+  std::unordered_set<std::string> known;
+  for (const Song& song : *playlist)
+    known.insert(song.id);
+  std::vector<Song> added;
+  std::ranges::copy_if(imported.songs, std::back_inserter(added),
+                       [&](const Song& song) { return known.insert(song.id).second; });
+  if (!added.empty()) {
+    playlist.change([&](std::vector<Song>& songs) { std::ranges::move(added, std::back_inserter(songs)); });
+  }
+  importing = false;
+  if (imported.messages.empty()) return;
+  error = QStringList(imported.messages.begin(), imported.messages.end()).join(QStringLiteral("\n\n"));
+}
+
+void NativeModel::choose() {
+  if (!listEditable() || window == nullptr) return;
+  OpenPanel panel;
+  panel.title = QStringLiteral("Choose lossless audio");
+  panel.choosesMultiple = true;
+  panel.extensions = {"aif", "aiff", "wav", "flac", "m4a", "caf", "alac"};
+  window->show(panel, [this, here = std::weak_ptr(alive)](std::vector<std::filesystem::path> files) {
+    if (!here.expired() && !files.empty()) importFiles(std::move(files));
+  });
+}
+
+void NativeModel::remove(const Song& song) {
+  if (!listEditable()) return;
+  playlist.change([id = song.id](std::vector<Song>& songs) {
+    std::erase_if(songs, [&](const Song& other) { return other.id == id; });
+  });
+}
+
+void NativeModel::clearSongs() {
+  if (listEditable()) playlist = {};
+}
+
+}  // namespace zarnet

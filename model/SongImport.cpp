@@ -1,0 +1,40 @@
+#include "model/SongImport.h"
+
+#include "audio/AudioInfo.h"
+#include "model/ErrorText.h"
+#include "model/TrackMetadata.h"
+#include "platform/FileSystem.h"
+
+namespace zarnet {
+
+Song importedSong(const std::filesystem::path& url) {
+  const AudioInfo info = inspectAudio(url);
+  const MediaTags tags = readMediaTags(url);
+  const TrackMetadata metadata = trackMetadata(tags, url);
+  Song song;
+  song.id = standardized(std::filesystem::absolute(url)).native();
+  song.url = url;
+  song.title = metadata.displayTitle();
+  song.detail = QString::fromStdString(info.summary());
+  song.duration = info.duration;
+  song.trackTitle = metadata.title;
+  song.artist = metadata.artist;
+  song.album = metadata.album;
+  song.artwork = trackArtwork(tags);
+  return song;
+}
+
+ImportedSongs importSongs(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop) {
+  ImportedSongs imported;
+  for (const std::filesystem::path& url : urls) {
+    if (stop.stop_requested()) break;
+    try {
+      imported.songs.push_back(importedSong(url));
+    } catch (const std::exception& error) {
+      imported.messages.push_back(errorText(error));
+    }
+  }
+  return imported;
+}
+
+}  // namespace zarnet

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace zarnet {
+
+/// The three tags that Zarnet shows, as one kind of source states them: every value in the order of the file,
+/// valid UTF-8, otherwise as it is stored (white space, control characters and empty texts included).
+struct TagFields {
+  std::vector<std::string> title;
+  std::vector<std::string> artist;
+  std::vector<std::string> album;
+
+  bool operator==(const TagFields&) const = default;
+};
+
+/// What a media file says about itself, by kind of source.
+struct MediaTags {
+  TagFields own;   ///< the container's own fields: Vorbis comments, MPEG-4 items
+  TagFields id3;   ///< ID3v2 frames TIT2, TPE1 and TALB, wherever they sit
+  TagFields info;  ///< plain info keys: RIFF INFO, AIFF text chunks, the dictionary of any other container
+  std::vector<std::string> pictures;  ///< encoded pictures as they are stored, `own` before `id3`, each in
+                                      ///< the order of the file whatever kind of cover they claim to be
+};
+
+/// Reads the tags of a file. The kind of file is told by its content, never by its name. Never fails: what
+/// cannot be read, a damaged tag, a picture over 64 MiB and a text over 1 MiB are left out; no file at all
+/// gives no tags. Nothing is printed. Any thread.
+MediaTags readMediaTags(const std::filesystem::path& path);
+
+}  // namespace zarnet

@@ -1,0 +1,91 @@
+#include "audio/AppError.h"
+#include "audio/PCM.h"
+#include "audio/RawSamples.h"
+#include "platform/AudioFileReader.h"
+#include "tests/support/Failures.h"
+#include "tests/support/LoadedSignal.h"
+#include "tests/support/Programs.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/Signals.h"
+
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace zarnet {
+
+using test::ScratchFolder;
+using test::Signal;
+
+TEST(PCM, RefusesWhatIsNoWorkingFormat) {
+  const ScratchFolder scratch;
+  const std::string undecodable = "The comparison audio could not be decoded.";
+  const struct {
+    std::uint32_t rate;
+    std::uint16_t channels;
+    std::uint32_t frames;
+    std::string refusal;
+  } cases[] = {
+      {44100, 2, 1000, undecodable},
+      {48000, 1, 1000, undecodable},
+      {48000, 3, 1000, undecodable},
+      {48000, 2, 0, undecodable},
+      {48000, 2, 1, ""},  // the benchmarks load the longest one accepted
+      {48000, 2, PCM::maximumCount + 1, undecodable},
+  };
+  for (const auto& [rate, channels, frames, expected] : cases) {
+    const auto file = test::writeHollowWave(scratch / "x.wav", rate, channels, 16, frames);
+    EXPECT_EQ(test::failureOf<AppError>([&] { PCM pcm(file); }), expected)
+        << rate << " Hz, " << channels << " × " << frames;
+  }
+}
+
+TEST(PCM, CountsTheFramesThatArriveWhereAFileAnnouncesMore) {
+  const ScratchFolder scratch;
+  const std::filesystem::path file = scratch / "cut.flac";
+  const Signal signal = test::counting(48000, 100'003);
+  writeWave(scratch / "whole.wav", signal, test::SampleType::int24);
+  test::ffmpeg({"-i", (scratch / "whole.wav").string(), file.string()});
+  std::filesystem::resize_file(file, std::filesystem::file_size(file) / 2);
+  const PCM pcm(file);
+  ASSERT_GT(pcm.count, 30'000);
+  ASSERT_LT(pcm.count, 70'000);
+  EXPECT_EQ(test::bits(pcm.right, pcm.count), test::bits(signal.planes[1].data(), pcm.count));
+}
+
+TEST(RawSamples, AreInterleavedAndReturnEveryBitInItsChannel) {
+  const ScratchFolder scratch;
+  test::writeFile(scratch / "raw", std::string(200'000, 'x'));
+  for (const std::int64_t frames : {1, 4096, 4097, 10'000}) {
+    Signal signal = test::counting(48000, frames);
+    signal.planes[0][0] = 1e-42f;
+    signal.planes[1][0] = std::numeric_limits<float>::signaling_NaN();
+    const auto pcm = test::loaded(signal);
+    pcm->writeRaw(scratch / "raw");
+    const std::string raw = test::readFile(scratch / "raw");
+    ASSERT_EQ(raw.size(), static_cast<std::size_t>(frames) * 8);
+    EXPECT_EQ(std::memcmp(&raw[raw.size() - 8], &signal.planes[0].back(), 4), 0) << frames;
+    rawPCMToCAF(scratch / "raw", scratch / "back.caf");
+    const PCM back(scratch / "back.caf");
+    ASSERT_EQ(back.count, frames);
+    EXPECT_EQ(test::bits(back.left, frames), test::bits(signal.planes[0].data(), frames)) << frames;
+    EXPECT_EQ(test::bits(back.right, frames), test::bits(signal.planes[1].data(), frames)) << frames;
+  }
+}
+
+TEST(RawSamples, AreRefusedWithHalfAFrameButKeepTheChunksBefore) {
+  const ScratchFolder scratch;
+  const std::pair<std::size_t, std::int64_t> cases[] = {{80'004, 8192}, {32'769, 4096}, {32'767, 0}};
+  for (const auto& [bytes, framesKept] : cases) {
+    test::writeFile(scratch / "raw", std::string(bytes, 'x'));
+    EXPECT_EQ(test::failureOf<AppError>([&] { rawPCMToCAF(scratch / "raw", scratch / "out.caf"); }),
+              "The decoded Vorbis audio is incomplete.");
+    EXPECT_EQ(AudioFileReader(scratch / "out.caf").length(), framesKept) << bytes;
+  }
+}
+
+}  // namespace zarnet

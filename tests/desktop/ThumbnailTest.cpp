@@ -1,0 +1,103 @@
+#include "desktop/Thumbnail.h"
+#include "tests/support/TagBytes.h"
+
+#include <QBuffer>
+#include <QPainter>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace zarnet {
+namespace {
+
+using test::bigEndian;
+using test::littleEndian;
+
+/// Red in the upper left quarter, blue elsewhere.
+QImage marked(int width, int height) {
+  QImage image(width, height, QImage::Format_RGB32);
+  image.fill(Qt::blue);
+  QPainter(&image).fillRect(0, 0, width / 2, height / 2, Qt::red);
+  return image;
+}
+
+std::string encoded(const QImage& image, const char* format) {
+  QBuffer buffer;
+  buffer.open(QIODevice::WriteOnly);
+  EXPECT_TRUE(image.save(&buffer, format));
+  return buffer.data().toStdString();
+}
+
+/// A JPEG file with an Exif segment that states the orientation and may hold further bytes.
+std::string orientedJPEG(const QImage& image, int orientation, const std::string& further = "") {
+  const std::string exif = std::string("Exif\0\0", 6) + "MM" + bigEndian(42, 2) + bigEndian(8, 4) +
+                           bigEndian(1, 2) + bigEndian(0x0112, 2) + bigEndian(3, 2) + bigEndian(1, 4) +
+                           bigEndian(orientation, 2) + bigEndian(0, 2) + bigEndian(0, 4) + further;
+  std::string file = encoded(image, "jpeg");
+  return file.insert(2, "\xFF\xE1" + bigEndian(exif.size() + 2, 2) + exif);
+}
+
+bool isReddish(QColor colour) {
+  return colour.red() > 180 && colour.blue() < 80;
+}
+
+TEST(Thumbnail, TurnsThePictureAsItStates) {
+  const struct {
+    int orientation;
+    QSize size;
+    double x;  // where the red quarter comes to lie
+    double y;
+  } cases[] = {
+      {1, {256, 128}, 0.25, 0.25}, {2, {256, 128}, 0.75, 0.25}, {3, {256, 128}, 0.75, 0.75},
+      {4, {256, 128}, 0.25, 0.75}, {5, {128, 256}, 0.25, 0.25}, {6, {128, 256}, 0.75, 0.25},
+      {7, {128, 256}, 0.75, 0.75}, {8, {128, 256}, 0.25, 0.75},
+  };
+  for (const auto& [orientation, size, x, y] : cases) {
+    const auto made = thumbnail(orientedJPEG(marked(1000, 500), orientation), 256);
+    ASSERT_TRUE(made) << orientation;
+    EXPECT_EQ(made->size(), size) << orientation;
+    for (const double atX : {0.25, 0.75}) {
+      for (const double atY : {0.25, 0.75}) {
+        const QColor colour =
+            made->pixelColor(static_cast<int>(atX * made->width()), static_cast<int>(atY * made->height()));
+        EXPECT_EQ(isReddish(colour), atX == x && atY == y) << orientation << " at " << atX << "," << atY;
+      }
+    }
+  }
+}
+
+TEST(Thumbnail, IsNotMadeFromAPictureThatEndsEarly) {
+  const QImage image = marked(400, 400);
+  const std::string inside = encoded(marked(40, 40), "jpeg");
+  std::string gif = "GIF89a" + littleEndian(1, 2) + littleEndian(1, 2) +
+                    std::string("\x80\0\0\0\0\0\xFF\xFF\xFF,", 10) + std::string(4, '\0') +
+                    littleEndian(1, 2) + littleEndian(1, 2) + std::string("\0\2\2D\1\0;", 7);
+  for (const std::string& whole :
+       {encoded(image, "jpeg"), orientedJPEG(image, 1, inside), encoded(image, "png"), gif}) {
+    EXPECT_TRUE(thumbnail(whole, 256));
+    EXPECT_TRUE(thumbnail(whole + std::string(10, '\0'), 256)) << "padded";
+    for (std::size_t parts = 0; parts < 20; ++parts)
+      EXPECT_FALSE(thumbnail(std::string_view(whole).substr(0, whole.size() * parts / 20), 256)) << parts;
+  }
+}
+
+TEST(Thumbnail, DecodesUpTo64MegapixelsAndNoMore) {
+  EXPECT_TRUE(thumbnail(encoded(QImage(8000, 8000, QImage::Format_Mono), "png"), 256));
+  EXPECT_FALSE(thumbnail(encoded(QImage(8001, 8000, QImage::Format_Mono), "png"), 256));
+  EXPECT_FALSE(thumbnail(encoded(QImage(8001, 8000, QImage::Format_Grayscale8), "jpeg"), 256));
+
+  // Files of a few bytes that announce a great deal.
+  const std::string gif = "GIF89a" + littleEndian(20'000, 2) + littleEndian(20'000, 2) +
+                          std::string("\0\0\0,\0\0\0\0", 8) + littleEndian(1, 2) + littleEndian(1, 2) +
+                          std::string("\0\2\2D\1\0;", 7);
+  EXPECT_FALSE(thumbnail(gif, 256));
+  std::string manyScans = encoded(marked(16, 16), "jpeg");
+  const std::size_t scan = manyScans.find("\xFF\xDA");
+  const std::string oneScan = manyScans.substr(scan, manyScans.size() - 2 - scan);
+  for (int i = 0; i < 5000; ++i)
+    manyScans.insert(scan, oneScan);
+  EXPECT_FALSE(thumbnail(manyScans, 256));
+}
+
+}  // namespace
+}  // namespace zarnet

@@ -1,0 +1,36 @@
+// Any bytes are a media file: its tags are valid UTF-8 within their limits, and its pictures become small
+// thumbnails or none.
+
+#include "desktop/Thumbnail.h"
+#include "platform/FileHandle.h"
+#include "platform/MediaTags.h"
+#include "platform/Text.h"
+#include "tests/fuzz/Fuzzing.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+
+using zarnet::fuzz::expect;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const zarnet::fuzz::Folder folder;
+  const std::filesystem::path file = folder.path / "file";
+  zarnet::FileHandle::createForWriting(file).write(data, size);
+
+  const zarnet::MediaTags tags = zarnet::readMediaTags(file);
+  for (const zarnet::TagFields* fields : {&tags.own, &tags.id3, &tags.info}) {
+    for (const auto* values : {&fields->title, &fields->artist, &fields->album}) {
+      for (const std::string& value : *values) {
+        expect(zarnet::displayText(value) == value, "a text is valid UTF-8");
+        expect(value.size() <= std::size_t{1} << 20, "a text is within its limit");
+      }
+    }
+  }
+  for (const std::string& picture : tags.pictures) {
+    expect(picture.size() <= size, "a picture is no larger than its file");
+    const auto made = zarnet::thumbnail(picture, 256);
+    expect(!made || (made->width() <= 256 && made->height() <= 256), "a thumbnail is small");
+  }
+  return 0;
+}

@@ -1,0 +1,61 @@
+#include "platform/AudioEngine.h"
+#include "platform/PlatformError.h"
+#include "tests/support/Failures.h"
+#include "tests/support/PulseServer.h"
+#include "tests/support/Wait.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace zarnet {
+
+namespace {
+
+using test::PulseServer;
+using test::waitUntil;
+
+TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
+  const std::vector<std::string> noSinks;
+  PulseServer empty(noSinks);
+  PulseServer dummy(noSinks);
+  dummy.loadModule({"module-always-sink"});
+  PulseServer frozen;
+  frozen.freeze();
+  const std::pair<std::string, std::string> cases[] = {
+      {"unix:/nonexistent/socket", "The audio server could not be reached: Connection refused."},
+      {empty.address(), "The audio server refused the stream: No such entity."},
+      {dummy.address(), "There is no output device."},
+      {frozen.address(), "The audio server does not answer."},
+  };
+  std::atomic<std::int64_t> pulled = 0;
+  const auto makeEngine = [&](const std::string& server) {
+    auto engine = makeAudioEngine(server);
+    engine->connect([&](bool&, std::span<float* const>, std::int64_t frames) { pulled += frames; },
+                    [](std::uint64_t) {});
+    return engine;
+  };
+  for (const auto& [address, reason] : cases) {
+    const auto engine = makeEngine(address);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(test::failureOf<PlatformError>([&] { engine->start(1); }),
+              "No audio output is available. " + reason);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10)) << reason;
+    EXPECT_FALSE(engine->isRunning()) << reason;
+  }
+  EXPECT_EQ(pulled, 0);
+  frozen.thaw();
+  const auto engine = makeEngine(frozen.address());
+  engine->start(1);
+  EXPECT_TRUE(waitUntil([&] { return pulled > 0; }));
+}
+
+}  // namespace
+
+}  // namespace zarnet

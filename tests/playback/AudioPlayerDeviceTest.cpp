@@ -1,0 +1,172 @@
+// The player on a real audio server with silent outputs, whose monitors are recorded.
+
+#include "platform/PlatformError.h"
+#include "playback/AudioPlayer.h"
+#include "tests/playback/ReferencePlayer.h"
+#include "tests/support/PulseServer.h"
+#include "tests/support/Wait.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace zarnet {
+
+namespace {
+
+using test::comparison;
+using test::MonitorRecorder;
+using test::PulseServer;
+using test::ReferencePlayer;
+using test::Signal;
+using test::waitUntil;
+
+/// 20 seconds: both versions identify each of their frames and lie on different sides of zero.
+PreparedAudio countingComparison() {
+  const Signal original = test::counting(48000, 960'000);
+  const Signal lossy = {original.rate, {original.planes[1], original.planes[0]}};
+  return comparison(original, lossy, 7, {0.9f, 0.8f});
+}
+
+bool isPlaying(const AudioPlayer& player) {
+  return std::get<bool>(player.status().at("playing"));
+}
+
+double position(const AudioPlayer& player) {
+  return std::get<double>(player.status().at("position"));
+}
+
+/// The first sample that is not 0; 0 when there is none.
+float firstSounding(const std::vector<float>& samples) {
+  const auto found = std::find_if(samples.begin(), samples.end(), [](float sample) { return sample != 0; });
+  return found == samples.end() ? 0 : *found;
+}
+
+/// Waits until the player has played 0.3 s more.
+void playOn(const AudioPlayer& player) {
+  const double end = position(player) + 0.3;
+  ASSERT_TRUE(waitUntil([&] { return position(player) > end; }));
+}
+
+/// Waits until the sink has played `frames` more frames.
+void wait(const MonitorRecorder& recorder, std::size_t frames) {
+  const std::size_t end = recorder.count() + frames;
+  ASSERT_TRUE(waitUntil([&] { return recorder.count() >= end; }));
+}
+
+TEST(PlayerOnAServer, PlaysEveryFrameOfTheMixBeforeDuringAndAfterEachSwitch) {
+  PulseServer server;
+  const MonitorRecorder recorder(server, "null");
+  AudioPlayer player(makeAudioEngine(server.address()));
+  const PreparedAudio audio = countingComparison();
+  player.load(audio, false);
+  player.play();
+  for (const char* const label : {"B", "A", "B"}) {
+    playOn(player);
+    player.select(label);
+  }
+  playOn(player);
+  player.pause();
+  wait(recorder, 24'000);
+
+  ReferencePlayer expected{audio, false};
+  expected.running = true;
+  const std::vector<float> samples = recorder.samples();
+  std::size_t switches = 0;
+  for (std::size_t i = 0; i < samples.size(); i += 2) {
+    // Silence before and after, and where the server found nothing in time.
+    if (samples[i] == 0 && samples[i + 1] == 0) continue;
+    const auto isRight = [&](const std::array<float, 2>& frame) {
+      return std::abs(samples[i] - frame[0]) <= 1e-6 && std::abs(samples[i + 1] - frame[1]) <= 1e-6;
+    };
+    ReferencePlayer switched = expected;
+    if (isRight(expected.frame())) continue;
+    switched.selectedA = !switched.selectedA;
+    ASSERT_TRUE(isRight(switched.frame())) << "frame " << expected.position - 1;
+    expected = switched;
+    ++switches;
+  }
+  EXPECT_EQ(switches, 3u);
+  EXPECT_EQ(expected.position, std::llround(position(player) * 48000));
+}
+
+TEST(PlayerOnAServer, StopsWhereItIsWhenTheOutputChangesAndPlaysOnTheNewOneOnlyWhenToldTo) {
+  const struct {
+    const char* change;
+    std::function<void(PulseServer&)> make;
+    std::function<void(PulseServer&, AudioPlayer&)> mend;
+    const char* next;
+  } cases[] = {
+      {"another output", [](PulseServer& server) { server.setDefaultSink("second"); }, {}, "second"},
+      {"the output is removed", [](PulseServer& server) { server.removeSink("first"); }, {}, "second"},
+      {"the output is suspended", [](PulseServer& server) { server.suspendSink("first", true); },
+       [](PulseServer& server, AudioPlayer&) { server.suspendSink("first", false); }, "first"},
+      {"the server dies", [](PulseServer& server) { server.kill(); },
+       [](PulseServer& server, AudioPlayer& player) {
+         EXPECT_THROW(player.play(), PlatformError);
+         EXPECT_FALSE(isPlaying(player));
+         server.start();
+       },
+       "first"},
+  };
+  const PreparedAudio audio = countingComparison();
+  for (const auto& [change, make, mend, next] : cases) {
+    SCOPED_TRACE(change);
+    PulseServer server({"first", "second"});
+    AudioPlayer player(makeAudioEngine(server.address()));
+    player.load(audio, true);
+    {
+      const MonitorRecorder first(server, "first");
+      const MonitorRecorder second(server, "second");
+      player.play();
+      ASSERT_TRUE(waitUntil([&] { return first.last() != 0; }));
+      make(server);
+      ASSERT_TRUE(waitUntil([&] { return !isPlaying(player); }));
+      if (std::string(next) == "second") wait(second, 9600);
+      EXPECT_EQ(firstSounding(second.samples()), 0);
+    }
+    const double kept = position(player);
+    EXPECT_GT(kept, 0);
+    if (mend) mend(server, player);
+    const MonitorRecorder recorder(server, next);
+    player.play();
+    ASSERT_TRUE(waitUntil([&] { return recorder.last() != 0; }));
+    ReferencePlayer expected{audio, true, std::llround(kept * 48000), true};
+    EXPECT_EQ(firstSounding(recorder.samples()), expected.frame()[0]);
+  }
+}
+
+TEST(PlayerOnAServer, ObeysWhileTheServerIsFrozenAndPlaysAgainAfterwards) {
+  PulseServer server;
+  AudioPlayer player(makeAudioEngine(server.address()));
+  const PreparedAudio audio = countingComparison();
+  player.load(audio, true);
+  player.play();
+  playOn(player);
+  server.freeze();
+  const auto begin = std::chrono::steady_clock::now();
+  player.pause();
+  player.play();
+  player.select("B");
+  player.seek(3);
+  player.stop();
+  player.load(audio, true);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+  EXPECT_FALSE(isPlaying(player));
+  server.thaw();
+  player.play();
+  playOn(player);
+}
+
+}  // namespace
+
+}  // namespace zarnet

@@ -1,0 +1,120 @@
+#include "audio/AppError.h"
+#include "prepare/AudioPreparer.h"
+#include "tests/support/Programs.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/Wait.h"
+
+#include <chrono>
+#include <random>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace zarnet {
+
+namespace {
+
+class Run : public testing::Test {
+ protected:
+  std::string log() const { return test::readFile(preparer.directory / "process.log"); }
+
+  /// What a run raises; empty when it raises nothing.
+  std::string failure(const std::string& script) {
+    try {
+      preparer.run("/bin/sh", {"-c", script});
+    } catch (const AppError& error) {
+      return error.message;
+    }
+    return "";
+  }
+
+  /// Waits, on another thread than that of `run`, until the running program has printed something.
+  void waitForOutput() const {
+    EXPECT_TRUE(test::waitUntil([&] {
+      std::error_code error;
+      const auto size = std::filesystem::file_size(preparer.directory / "process.log", error);
+      return !error && size > 0;
+    }));
+  }
+
+  AudioPreparer preparer{"/nowhere/lame"};
+  test::ScratchFolder scratch;
+};
+
+}  // namespace
+
+TEST_F(Run, TellsTheEndOfTheLogOfAProgramThatFails) {
+  std::string numbers;
+  for (int k = 0; numbers.size() < 10'000; ++k)
+    numbers += std::to_string(k) + " ";
+  std::string families;
+  for (int k = 0; k < 5000; ++k)
+    families += k % 10 == 0 ? "\n" : "👩‍👩‍👧";
+  const std::string family = "👩‍👩‍👧";
+  std::string lastFamilies;
+  for (int k = 5000 - 650; k < 5000; ++k)
+    lastFamilies += k % 10 == 0 ? "\n" : family;
+  std::string huge(6'000'000, 'x');
+  huge += huge;
+  const std::pair<std::string, std::string> table[] = {
+      {"", ""},
+      {numbers, numbers.substr(numbers.size() - 650)},
+      {families, lastFamilies},
+      {huge + "the end", std::string(643, 'x') + "the end"},
+      {"\xFF" + huge, ""},
+      {"cut short \xE2\x82", ""},
+  };
+  for (const auto& [printed, tail] : table) {
+    const auto text = test::writeFile(scratch / "text", printed);
+    for (const char* const ending : {"exit 1", "kill -KILL $$"})
+      EXPECT_EQ(failure("cat " + text.string() + "; " + ending), "Audio conversion failed. " + tail);
+  }
+}
+
+TEST_F(Run, CancellingAsksTheProgramPolitelyWhateverItsExitStatus) {
+  const std::pair<const char*, const char*> table[] = {
+      {"echo started; exec sleep 1000", "started\n"},
+      {"trap 'exit 0' TERM; echo started; while :; do :; done", "started\n"},
+      // It takes its time, and gets it.
+      {"trap 'asked=1' TERM; echo started; until [ \"$asked\" ]; do :; done; sleep 0.1; echo done",
+       "started\ndone\n"},
+  };
+  for (const auto& [script, printed] : table) {
+    std::jthread canceller([&] {
+      waitForOutput();
+      preparer.cancel();
+    });
+    EXPECT_EQ(failure(script), "Cancelled");
+    canceller.join();
+    EXPECT_EQ(log(), printed);
+    EXPECT_EQ(test::livingChildren(), 0);
+    preparer.resetCancellation();
+    std::filesystem::remove(preparer.directory / "process.log");
+  }
+}
+
+TEST_F(Run, SurvivesCancellationAtAnyMoment) {
+  const std::uint32_t seed = std::random_device()();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  int finished = 0;
+  for (int k = 0; k < 300; ++k) {
+    preparer.resetCancellation();
+    const std::chrono::microseconds delay(random() % 3000);
+    std::jthread canceller([&] {
+      std::this_thread::sleep_for(delay);
+      preparer.cancel();
+    });
+    const std::string message = failure(k % 2 == 0 ? "exec sleep 1000" : "exec true");
+    if (message.empty()) {
+      ++finished;
+    } else {
+      EXPECT_EQ(message, "Cancelled");
+    }
+    ASSERT_EQ(test::livingChildren(), 0);
+  }
+  EXPECT_LT(finished, 151) << "a program that never ends was taken for finished";
+}
+
+}  // namespace zarnet

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+namespace zarnet::test {
+
+struct ProgramResult {
+  int status;          ///< exit status, or 128 + signal
+  std::string output;  ///< standard output
+  std::string errors;  ///< standard error
+};
+
+/// Runs a program to its end, found on PATH when its name has no slash. Fails the test when it cannot be
+/// started.
+ProgramResult runProgram(const std::vector<std::string>& commandLine);
+
+/// A program that runs beside the test. It is killed and reaped at the end of its scope, and dies with the
+/// test's process, however that ends.
+class RunningProgram {
+ public:
+  /// Starts the program, found on PATH. Its standard output goes to the open file `output`, or nowhere when
+  /// that is −1; its standard error goes nowhere. Fails the test when it cannot be started.
+  explicit RunningProgram(const std::vector<std::string>& commandLine, int output = -1);
+  ~RunningProgram();
+  RunningProgram(const RunningProgram&) = delete;
+  RunningProgram& operator=(const RunningProgram&) = delete;
+
+  pid_t pid() const { return child; }
+  void sendSignal(int number) const;
+
+  /// Waits for the program's end; its exit status, or 128 + signal. Nothing once the limit is over.
+  std::optional<int> exitStatus(std::chrono::seconds limit);
+
+ private:
+  pid_t child = -1;
+  std::optional<int> status;
+};
+
+/// Runs `ffmpeg -y -v error` with these arguments and fails the test unless it succeeds: makes any container.
+void ffmpeg(const std::vector<std::string>& arguments);
+
+/// A program of the build's resources folder: "lame", "afconvert" or "vorbis-tool".
+std::filesystem::path resource(const std::string& name);
+
+/// Number of living child processes of this process, zombies included.
+int livingChildren();
+
+}  // namespace zarnet::test

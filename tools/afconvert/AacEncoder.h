@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/LibAv.h"
+#include "tools/afconvert/ReadAhead.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace zarnet {
+
+/// Stores frames of `block`, from frame `first` on, into `frame` from its frame `at` on: as they are into
+/// planes of floats, rounded and limited to full scale into interleaved 16-bit integers. Requires: `frame` is
+/// of one of these two formats, has the channels of the block and room for them.
+void storeFrames(const FrameBlock& block, std::int64_t first, std::int64_t count, AVFrame& frame, int at);
+
+/// Encodes a stream as AAC (low complexity) at a constant bitrate, with the best encoder that libavcodec has
+/// at hand. Not thread-safe.
+class AacEncoder {
+ public:
+  /// Takes each packet as it comes, and may empty it. Times count frames at the sample rate: the first packet
+  /// lies before 0 by what the encoder puts in front, the last one is as long as the sound that is left.
+  using Sink = std::function<void(AVPacket&)>;
+
+  /// Rate in Hz, kept as it is, like the channels (1 or 2). Raises std::runtime_error when AAC knows no such
+  /// rate or cannot hold that many bits.
+  AacEncoder(double sampleRate, std::uint32_t channels, int bitsPerSecond, Sink sink);
+
+  /// The opened encoder, for whoever stores its packets.
+  const AVCodecContext& context() const { return *encoder; }
+
+  /// Encodes the next frames. Raises std::runtime_error for samples that are no finite numbers.
+  void write(const FrameBlock& block);
+  /// Encodes what is left. Nothing may be written afterwards.
+  void finish();
+
+ private:
+  void startChunk();
+  void sendChunk();
+  void passPackets();
+  void steer(const AVPacket& sent);
+
+  const int nominal;  ///< bits per second
+  const Sink sink;
+  libav::CodecContext encoder;
+  libav::Packet packet = libav::makePacket();
+  libav::Frame chunk = libav::makeFrame();  ///< what the encoder gets at a time
+  int filled = 0;                           ///< frames in `chunk`
+  std::int64_t sentFrames = 0;
+  double debt = 0;  ///< bits spent beyond the nominal bitrate
+};
+
+}  // namespace zarnet

@@ -1,0 +1,108 @@
+#include "tools/afconvert/Convert.h"
+
+#include "platform/AudioFileReader.h"
+#include "platform/AudioFileWriter.h"
+#include "platform/FileHandle.h"
+#include "platform/PlatformError.h"
+#include "platform/Text.h"
+#include "tools/afconvert/AacEncoder.h"
+#include "tools/afconvert/M4aFile.h"
+#include "tools/afconvert/ReadAhead.h"
+#include "tools/afconvert/Resampler.h"
+
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace zarnet {
+
+namespace {
+
+constexpr double workingRate = 48000;
+constexpr std::uint32_t workingChannels = 2;
+
+void requireMonoOrStereo(const AudioFileReader& reader, const std::filesystem::path& path) {
+  const std::uint32_t channels = reader.processingChannels();
+  if (channels > 2) {
+    throw PlatformError(quotedName(path) + " could not be converted: It has " + std::to_string(channels) +
+                        " channels; one or two are supported.");
+  }
+}
+
+/// Creating the output empties it, so it must not be the input under whatever name.
+void requireAnotherFile(const Options& options) {
+  std::error_code ignored;
+  if (std::filesystem::equivalent(options.input, options.output, ignored))
+    throw PlatformError(quotedName(options.input) + " is both the input and the output.");
+}
+
+/// Creates the output, then runs `complete`, which writes it. When that fails, the file is removed; a device
+/// or a pipe stays, and so does what lies there when it cannot be opened for writing at all.
+template <typename Complete>
+void produce(const std::filesystem::path& output, Complete complete) {
+  FileHandle::createForWriting(output);
+  try {
+    complete();
+  } catch (...) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(output, ignored)) std::filesystem::remove(output, ignored);
+    throw;
+  }
+}
+
+void writeLinear(const Options& options, ReadAhead& blocks, AudioFileContainer container) {
+  produce(options.output, [&] {
+    AudioFileWriter writer(options.output, container, workingRate, workingChannels);
+    for (FrameBlock block = blocks.next(); block.count > 0; block = blocks.next())
+      writer.write(block.planes.data(), block.count);
+    writer.finish();
+  });
+}
+
+void convertToLinear(const Options& options, const AudioFileReader& reader, ReadAhead& decoded) {
+  const bool best = options.target == Options::Target::wave;
+  const AudioFileContainer container = best ? AudioFileContainer::wave : AudioFileContainer::caf;
+  if (reader.processingRate() == workingRate) {
+    writeLinear(options, decoded, container);
+    return;
+  }
+  const std::uint32_t channels = reader.processingChannels();
+  Resampler resampler(decoded, channels, reader.processingRate(), workingRate,
+                      best ? Resampler::Quality::best : Resampler::Quality::standard);
+  ReadAhead resampled(
+      channels, [&](float* const* planes, std::int64_t frames) { return resampler.read(planes, frames); });
+  writeLinear(options, resampled, container);
+}
+
+void convertToAac(const Options& options, const AudioFileReader& reader, ReadAhead& decoded) {
+  FrameBlock block = decoded.next();
+  if (block.count == 0)
+    throw PlatformError(quotedName(options.input) + " could not be converted: It holds no sound.");
+  std::optional<M4aFile> file;
+  AacEncoder encoder(reader.processingRate(), reader.processingChannels(), options.bitsPerSecond,
+                     [&](AVPacket& packet) { file->write(packet); });
+  produce(options.output, [&] {
+    file.emplace(options.output, encoder.context());
+    for (; block.count > 0; block = decoded.next())
+      encoder.write(block);
+    encoder.finish();
+    file->finish();
+  });
+}
+
+}  // namespace
+
+void convert(const Options& options) {
+  AudioFileReader reader(options.input);
+  requireMonoOrStereo(reader, options.input);
+  requireAnotherFile(options);
+  ReadAhead decoded(reader.processingChannels(),
+                    [&](float* const* planes, std::int64_t frames) { return reader.read(planes, frames); });
+  if (options.target == Options::Target::aac) {
+    convertToAac(options, reader, decoded);
+  } else {
+    convertToLinear(options, reader, decoded);
+  }
+}
+
+}  // namespace zarnet
