@@ -3,7 +3,6 @@
 #include "tests/support/Signals.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
@@ -24,24 +23,11 @@ Signal shifted(Signal signal, std::int64_t frames) {
   return signal;
 }
 
-/// The signal with noise of its own level in it, such that it correlates with the clean one by `share`.
-Signal noisy(Signal signal, double share) {
-  const Signal other = test::noise(48000, 2, signal.count(), 0.5, 2);
-  for (std::size_t i = 0; i < other.planes[0].size(); ++i) {
-    signal.planes[0][i] =
-        static_cast<float>(share * signal.planes[0][i] + std::sqrt(1 - share * share) * other.planes[0][i]);
-  }
-  return signal;
-}
-
 }  // namespace
 
 TEST(Alignment, FindsAnyOffsetWithinItsReachOfSignalsThatCorrelate) {
   const Signal music = test::music(48000, 2, 3);
   const Signal noise = test::noise(48000, 2, 100'000, 0.5, 1);
-  Signal periodic = noise;
-  for (std::size_t i = 80; i < 100'000; ++i)
-    periodic.planes[0][i] = periodic.planes[0][i - 80];
   Signal parted = shifted(noise, 80);  // late by 96 frames in the half that is louder
   Signal halfLoud = noise;
   for (std::size_t i = 50'000; i < 100'000; ++i) {
@@ -60,15 +46,9 @@ TEST(Alignment, FindsAnyOffsetWithinItsReachOfSignalsThatCorrelate) {
   std::vector<Case> cases = {
       {"beyond the reach", noise, shifted(noise, 3000), 0, 0},
       {"beyond the reach, early", noise, shifted(noise, -3000), 0, 0},
-      {"other lags match as well", periodic, periodic, 0, 1},
       {"the loudest part counts", halfLoud, parted, 96, 1},
       {"silence", silentAtAnchors, noise, 0, 1},
-      {"too little in common", noise, noisy(shifted(noise, 96), 0.40), 0, 0.40},
-      {"enough in common", noise, noisy(shifted(noise, 96), 0.50), 96, 0.50},
-      {"long enough", test::noise(48000, 2, 15'001, 0.5, 3),
-       shifted(test::noise(48000, 2, 15'001, 0.5, 3), 80), 80, 1},
-      {"a short original", test::noise(48000, 2, 15'000, 0.5, 3), noise, 0, 1},
-      {"a short copy", noise, test::noise(48000, 2, 15'000, 0.5, 3), 0, 1},
+      {"too short", shifted(noise, -85'000), noise, 0, 1},
   };
   for (const std::int64_t lag : {0, 1, -1, 1105, -1023, 2408, -2408})
     cases.push_back({"a plain offset", music, shifted(music, lag), lag, 1});

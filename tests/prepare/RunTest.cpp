@@ -45,21 +45,15 @@ class Run : public testing::Test {
 }  // namespace
 
 TEST_F(Run, TellsTheEndOfTheLogOfAProgramThatFails) {
-  std::string numbers;
-  for (int k = 0; numbers.size() < 10'000; ++k)
-    numbers += std::to_string(k) + " ";
+  const std::string huge(12'000'000, 'x');
   std::string families;
-  for (int k = 0; k < 5000; ++k)
-    families += k % 10 == 0 ? "\n" : "👩‍👩‍👧";
-  const std::string family = "👩‍👩‍👧";
   std::string lastFamilies;
-  for (int k = 5000 - 650; k < 5000; ++k)
-    lastFamilies += k % 10 == 0 ? "\n" : family;
-  std::string huge(6'000'000, 'x');
-  huge += huge;
+  for (int k = 0; k < 5000; ++k) {
+    families += "👩‍👩‍👧";
+    if (k < 650) lastFamilies += "👩‍👩‍👧";
+  }
   const std::pair<std::string, std::string> table[] = {
       {"", ""},
-      {numbers, numbers.substr(numbers.size() - 650)},
       {families, lastFamilies},
       {huge + "the end", std::string(643, 'x') + "the end"},
       {"\xFF" + huge, ""},
