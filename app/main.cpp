@@ -62,8 +62,9 @@ int main(int argc, char** argv) {
   zarnet::installAccessibility();
   zarnet::applyApplicationStyle();
 
-  zarnet::AppDelegate delegate(zarnet::resourcesFolder());
+  // Outlives the delegate: a second signal must not kill a process that is clearing up.
   const zarnet::QuitSignals signals([] { QApplication::quit(); });
+  zarnet::AppDelegate delegate(zarnet::resourcesFolder());
   if (!delegate.applicationDidFinishLaunching()) return 1;
   QMetaObject::invokeMethod(
       &delegate, [&] { delegate.importFiles(files); }, Qt::QueuedConnection);
