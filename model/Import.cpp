@@ -20,25 +20,24 @@ void NativeModel::importFiles(std::vector<std::filesystem::path> files) {
     } catch (const std::exception& failure) {
       imported.messages.push_back(errorText(failure));
     }
-    interfaceThread.post([this, imported = std::move(imported), stop] {
+    interfaceThread.post([this, imported = std::move(imported), stop]() mutable {
       if (stop.stop_requested()) {
         importing = false;
       } else {
-        merge(imported);
+        merge(std::move(imported));
       }
     });
   });
 }
 
-void NativeModel::merge(const ImportedSongs& imported) {
+void NativeModel::merge(ImportedSongs imported) {
   std::unordered_set<std::string> known;
   for (const Song& song : *playlist)
     known.insert(song.id);
-  std::vector<Song> added;
-  std::ranges::copy_if(imported.songs, std::back_inserter(added),
-                       [&](const Song& song) { return known.insert(song.id).second; });
-  if (!added.empty()) {
-    playlist.change([&](std::vector<Song>& songs) { std::ranges::move(added, std::back_inserter(songs)); });
+  std::erase_if(imported.songs, [&](const Song& song) { return !known.insert(song.id).second; });
+  if (!imported.songs.empty()) {
+    playlist.change(
+        [&](std::vector<Song>& songs) { std::ranges::move(imported.songs, std::back_inserter(songs)); });
   }
   importing = false;
   if (imported.messages.empty()) return;

@@ -178,7 +178,7 @@ class NativeModel {
   bool listEditable() const { return *stage == Stage::setup && !importing && !busy; }
   void keepRateInTable();
   void followPlayer();
-  void merge(const ImportedSongs& imported);
+  void merge(ImportedSongs imported);
   void load(const PreparedAudio& comparison, const Round& round);
   /// Runs `removal`; a failure becomes `error`.
   void removeTemporary(const std::function<void()>& removal);
