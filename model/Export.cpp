@@ -5,7 +5,6 @@
 #include "platform/FileHandle.h"
 #include "results/ResultsImage.h"
 
-#include <array>
 #include <string>
 
 namespace zarnet {
@@ -14,10 +13,8 @@ namespace {
 
 std::string wholeFile(const std::filesystem::path& path) {
   FileHandle file = FileHandle::openForReading(path);
-  std::string content;
-  std::array<char, 1 << 16> chunk;
-  while (const std::size_t bytes = file.read(chunk.data(), chunk.size()))
-    content.append(chunk.data(), bytes);
+  std::string content(static_cast<std::size_t>(file.size()), '\0');
+  content.resize(file.read(content.data(), content.size()));
   return content;
 }
 

@@ -12,7 +12,7 @@ Song importedSong(const std::filesystem::path& url) {
   const MediaTags tags = readMediaTags(url);
   const TrackMetadata metadata = trackMetadata(tags, url);
   Song song;
-  song.id = standardized(std::filesystem::absolute(url)).native();
+  song.id = standardized(absolutePath(url)).native();
   song.url = url;
   song.title = metadata.displayTitle();
   song.detail = QString::fromStdString(info.summary());
