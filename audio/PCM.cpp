@@ -39,7 +39,7 @@ struct PCM::Loaded {
 
 PCM::Loaded PCM::load(const std::filesystem::path& url) {
   AudioFileReader file(url);
-  if (file.processingChannels() != 2 || file.processingRate() != 48000.0) throw undecodable();
+  if (file.processingChannels() != 2 || file.processingRate() != rate) throw undecodable();
   const std::int64_t length = file.length();
   if (length < 1 || length > maximumCount) throw undecodable();
   std::unique_ptr<SampleBuffer> buffer = allocate(length);

@@ -13,6 +13,7 @@ namespace zarnet {
 /// std::shared_ptr<const PCM>.
 class PCM {
  public:
+  static constexpr double rate = 48000.0;  ///< Hz
   /// 20 minutes, the longest signal that is held.
   static constexpr std::int64_t maximumCount = 57'600'000;
 

@@ -1,6 +1,7 @@
 #include "audio/RawSamples.h"
 
 #include "audio/AppError.h"
+#include "audio/PCM.h"
 #include "platform/AudioFileWriter.h"
 #include "platform/FileHandle.h"
 #include "platform/SampleBuffer.h"
@@ -18,7 +19,7 @@ static_assert(std::endian::native == std::endian::little, "a raw sample file hol
 }  // namespace
 
 void rawPCMToCAF(const std::filesystem::path& input, const std::filesystem::path& output) {
-  AudioFileWriter writer(output, 48000.0, 2);
+  AudioFileWriter writer(output, PCM::rate, 2);
   FileHandle reader = FileHandle::openForReading(input);
   const SampleBuffer buffer(2, chunkFrames);
   float* const planes[] = {buffer.plane(0), buffer.plane(1)};

@@ -9,12 +9,6 @@
 
 namespace zarnet {
 
-namespace {
-
-constexpr double sampleRate = 48000.0;
-
-}  // namespace
-
 void NativeModel::start() {
   if (busy || importing || playlist->empty() || window == nullptr) return;
   Alert alert;
@@ -81,7 +75,7 @@ void NativeModel::load(const PreparedAudio& comparison, const Round& round) {
   selected = QStringLiteral("A");
   player.load(comparison, *lossless == u"A");
   player.setVolume(volume);
-  duration = static_cast<double>(comparison.original->count) / sampleRate;
+  duration = static_cast<double>(comparison.original->count) / PCM::rate;
   originalDescription = QString::fromStdString(comparison.info.summary());
   const PlayerStatus status = player.status();
   loopStart = statusValue<double>(status, "loopStart").value_or(0.0);

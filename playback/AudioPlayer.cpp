@@ -12,21 +12,18 @@ namespace zarnet {
 
 namespace {
 
-constexpr double sampleRate = 48000.0;
-constexpr std::int64_t latestLoopStart = 2'016'000;  // 42 s
-constexpr std::int64_t latestLoopEnd = 2'592'000;    // 54 s
-constexpr std::int64_t loopLead = 48'000;            // 1 s
+constexpr std::int64_t loopLead = 48'000;  // 1 s
 
 /// Whole frames in a finite time, truncated; times beyond the range of the type count as its ends.
 std::int64_t frames(double seconds) {
-  const double product = seconds * sampleRate;
+  const double product = seconds * PCM::rate;
   if (product >= 0x1p63) return std::numeric_limits<std::int64_t>::max();
   if (product < -0x1p63) return std::numeric_limits<std::int64_t>::min();
   return static_cast<std::int64_t>(product);
 }
 
 double seconds(std::int64_t frameCount) {
-  return static_cast<double>(frameCount) / sampleRate;
+  return static_cast<double>(frameCount) / PCM::rate;
 }
 
 /// A session's output has changed. A notice that a newer session has overtaken is stale.
@@ -73,8 +70,8 @@ void AudioPlayer::load(PreparedAudio comparison, bool losslessA) {
   state->blend = losslessA ? 0.0f : 1.0f;
   state->fade = 0;
   state->looping = false;
-  state->loopStart = std::min(std::max<std::int64_t>(count - loopLead, 0), latestLoopStart);
-  state->loopEnd = std::min(count, latestLoopEnd);
+  state->loopStart = std::min(std::max<std::int64_t>(count - loopLead, 0), PlaybackState::latestLoopStart);
+  state->loopEnd = std::min(count, PlaybackState::latestLoopEnd);
 }
 
 void AudioPlayer::play() {

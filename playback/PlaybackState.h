@@ -12,6 +12,10 @@ namespace zarnet {
 /// All that the player's operations, on the interface thread, share with its render callback. Positions are
 /// frames at 48,000 per second.
 struct PlaybackState {
+  /// Where the loop lies that a track begins with, unless the track is shorter.
+  static constexpr std::int64_t latestLoopStart = 2'016'000;  // 42 s
+  static constexpr std::int64_t latestLoopEnd = 2'592'000;    // 54 s
+
   /// The player's render callback; the contract is that of `RenderCallback`. Holds `lock` for the whole
   /// buffer, so that nothing changes within it. Each sample is computed in 32-bit floats as
   ///
@@ -31,11 +35,11 @@ struct PlaybackState {
   float blend GUARDED_BY(lock) = 0;  ///< 0: only the original is heard, 1: only the lossy version
   float volume GUARDED_BY(lock) = 0.7f;
   bool looping GUARDED_BY(lock) = false;
-  std::int64_t loopStart GUARDED_BY(lock) = 2'016'000;
-  std::int64_t loopEnd GUARDED_BY(lock) = 2'592'000;  ///< the frame that is not played any more
-  float fade GUARDED_BY(lock) = 0;                    ///< the fade-in after a jump, 0 to 1
-  std::uint64_t session GUARDED_BY(lock) = 0;         ///< number of the engine session that `play` relies on
-  std::uint64_t lostSession GUARDED_BY(lock) = 0;     ///< the latest one whose output changed
+  std::int64_t loopStart GUARDED_BY(lock) = latestLoopStart;
+  std::int64_t loopEnd GUARDED_BY(lock) = latestLoopEnd;  ///< the frame that is not played any more
+  float fade GUARDED_BY(lock) = 0;                        ///< the fade-in after a jump, 0 to 1
+  std::uint64_t session GUARDED_BY(lock) = 0;      ///< number of the engine session that `play` relies on
+  std::uint64_t lostSession GUARDED_BY(lock) = 0;  ///< the latest one whose output changed
 
  private:
   std::int64_t renderBlock(std::span<float* const> buffers, std::int64_t done, std::int64_t wanted)
