@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -54,6 +55,27 @@ TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
   const auto engine = makeEngine(frozen.address());
   engine->start(1);
   EXPECT_TRUE(waitUntil([&] { return pulled > 0; }));
+}
+
+TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
+  PulseServer server({"first", "second"});
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect([](bool&, std::span<float* const>, std::int64_t) {}, [](std::uint64_t) {});
+  std::atomic<bool> done = false;
+  std::thread changes([&] {
+    for (int i = 0; !done; ++i)
+      server.setDefaultSink(i % 2 == 0 ? "second" : "first");
+  });
+  std::string reason;
+  EXPECT_TRUE(waitUntil([&] {
+    reason = test::failureOf<PlatformError>([&] { engine->start(1); });
+    EXPECT_TRUE(reason.empty() || !engine->isRunning());
+    engine->stop();
+    return !reason.empty();
+  }));
+  EXPECT_EQ(reason, "No audio output is available. The output changed while it was being opened.");
+  done = true;
+  changes.join();
 }
 
 }  // namespace
