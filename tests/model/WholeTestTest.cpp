@@ -45,8 +45,9 @@ PreparedAudio onScreen(const NativeModel& model) {
 /// −1 at the first frame that is not the right mix within 1e-6. Frames of silence are passed over: before,
 /// after, and where the server found nothing in time.
 int switchesHeard(const std::vector<float>& samples, std::size_t from, ReferencePlayer expected) {
-  // A switch may begin with a few frames that are too much alike to tell.
+  // A switch may begin with a few frames that are too much alike to tell, so that only its whole length does.
   constexpr std::size_t longestDoubt = 64;
+  constexpr std::size_t switchFrames = 256;
   std::deque<std::pair<ReferencePlayer, std::size_t>> before;
   const auto isRight = [&](ReferencePlayer& player, std::size_t i) {
     const std::array<float, 2> frame = player.frame();
@@ -59,10 +60,11 @@ int switchesHeard(const std::vector<float>& samples, std::size_t from, Reference
     before.emplace_back(expected, i);
     if (before.size() > longestDoubt) before.pop_front();
     if (isRight(expected, i)) continue;
+    const std::size_t end = std::min(samples.size(), i + 2 * switchFrames);
     const auto origin = std::find_if(before.rbegin(), before.rend(), [&](const auto& moment) {
       ReferencePlayer switched = moment.first;
       switched.selectedA = !switched.selectedA;
-      for (std::size_t k = moment.second; k <= i; k += 2) {
+      for (std::size_t k = moment.second; k < end; k += 2) {
         if (!isSilent(k) && !isRight(switched, k)) return false;
       }
       expected = switched;
@@ -73,6 +75,7 @@ int switchesHeard(const std::vector<float>& samples, std::size_t from, Reference
       return -1;
     }
     before.clear();
+    i = end - 2;
     ++switches;
   }
   return switches;
