@@ -69,16 +69,44 @@ TEST_F(Rounds, PlayTheTracksInOrderWithFrozenSettingsToTheTally) {
   EXPECT_THAT(workspace(), IsEmpty());
 }
 
+TEST_F(Rounds, TakeABitrateOfTheNewCodecOnlyWhereItLacksTheOld) {
+  const std::tuple<const char*, int, const char*, int> cases[] = {
+      {"MP3", 8, "Ogg Vorbis", 64}, {"AAC", 320, "MP3", 320}, {"Ogg Vorbis", 96, "AAC", 96}};
+  for (const auto& [codec, rate, next, expected] : cases) {
+    model->codec = codec;
+    model->rate = rate;
+    model->codec = next;
+    EXPECT_EQ(model->rate, expected) << codec << " to " << next;
+  }
+}
+
 TEST_F(Rounds, RevealASingleTrackAndKeepItLoaded) {
+  const auto plays = [&] { return std::get<bool>(model->player.status().at("playing")); };
+  model->volume = 0.0;
   begin({"X"});
   ASSERT_TRUE(prepared());
+  engine->startError = "No audio output is available.";
+  model->playPause();
+  EXPECT_EQ(model->error, "No audio output is available.");
+  engine->startError.reset();
+  model->playPause();
+  EXPECT_TRUE(plays());
+  EXPECT_EQ(engine->render(480).left.back(), 0) << "the volume was handed on";
+  model->exportAudio();
+  EXPECT_FALSE(plays());
+  model->playPause();
   model->vote = *model->lossless;
   model->confirm();
+  EXPECT_FALSE(plays());
   EXPECT_EQ(model->stage, Stage::reveal);
   ASSERT_EQ(model->answers->size(), 1U);
   EXPECT_EQ(model->answers->front().preference(), "Lossless preferred");
   EXPECT_EQ(std::get<double>(model->player.status().at("duration")), 0.5);
   EXPECT_THAT(workspace(), IsEmpty());
+  model->exportURL = scratch / "mine" / "song.m4a";
+  model->discardCurrentConversion();
+  EXPECT_EQ(model->error,
+            "Could not remove temporary audio: Refusing to remove audio outside Zarnet’s temporary folder.");
 }
 
 TEST_F(Rounds, StayOnTheirTrackWhenTheNextOneFails) {
@@ -87,6 +115,8 @@ TEST_F(Rounds, StayOnTheirTrackWhenTheNextOneFails) {
   programs.fail(true);
   model->vote = "A";
   model->confirm();
+  EXPECT_EQ(model->vote, std::nullopt) << "to be given again";
+  model->back();  // not while it runs
   ASSERT_TRUE(prepared());
   EXPECT_EQ(model->error, "Audio conversion failed. No luck.\n");
   EXPECT_EQ(model->stage, Stage::listen);
@@ -107,8 +137,9 @@ TEST_F(Rounds, StayWhereTheyWereWhenTheyAreCancelled) {
   begin({"X"});
   ASSERT_TRUE(eventually([&] { return programs.started(); }));
   model->cancel();
-  EXPECT_EQ(model->progress, "Cancelling…");
   ASSERT_TRUE(prepared());
+  EXPECT_EQ(model->progress, "Cancelling…");
+  EXPECT_EQ(model->error, std::nullopt);
   EXPECT_EQ(model->stage, Stage::setup);
   EXPECT_EQ(conversions(), 0U);
   EXPECT_EQ(livingChildren(), 0);
