@@ -1,3 +1,4 @@
+#include "model/TrackMetadata.h"
 #include "tests/model/ModelFixture.h"
 
 namespace zarnet {
@@ -5,87 +6,117 @@ namespace {
 
 using namespace test;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 class Import : public Models {
  protected:
-  std::filesystem::path wave(const std::string& name) const {
-    return writeWave(scratch / name, sine(44100, 1, 4410, 440, 0.5), SampleType::int16);
-  }
-  bool imported() {
-    return eventually([this] { return !model->importing; });
-  }
-  std::vector<std::string> titles() const {
-    std::vector<std::string> all;
+  std::vector<QString> titlesAfter(const std::vector<std::filesystem::path>& files) {
+    model->importFiles(files);
+    model->importFiles({scratch / "while another import runs.wav"});
+    EXPECT_TRUE(model->importing && !model->canStart());
+    EXPECT_TRUE(eventually([this] { return !model->importing; }));
+    std::vector<QString> titles;
     for (const Song& song : model->songs())
-      all.push_back(song.title.toStdString());
-    return all;
+      titles.push_back(song.title);
+    return titles;
   }
 };
 
 TEST_F(Import, AddsEachAcceptedFileOnceInOrderAndTellsAboutTheOthers) {
-  const auto first = wave("first.wav");
-  const auto second = wave("second.wav");
+  const auto first = track("first").url;
+  const auto second = track("second").url;
   const auto empty = writeWave(scratch / "empty.wav", sine(48000, 2, 0, 440, 0.5));
   ffmpeg({"-i", first, scratch / "lossy.mp3"});
-  std::filesystem::create_directory(scratch / "x");
   model->error = "earlier";
-  model->importFiles({second, first, scratch / "." / "x" / ".." / "second.wav"});
-  EXPECT_TRUE(model->importing);
-  EXPECT_FALSE(model->canStart());
-  model->importFiles({empty});  // not while one is running
-  ASSERT_TRUE(imported());
-  EXPECT_THAT(titles(), ElementsAre("second", "first"));
+  EXPECT_THAT(titlesAfter({second, first, scratch / "." / "tmp" / ".." / "second.wav"}),
+              ElementsAre("second", "first"));
   EXPECT_EQ(model->error, "earlier");
-
-  model->importFiles({scratch / "lossy.mp3", second, empty});
-  ASSERT_TRUE(imported());
-  EXPECT_THAT(titles(), ElementsAre("second", "first"));
+  EXPECT_THAT(titlesAfter({scratch / "lossy.mp3", second, empty}), ElementsAre("second", "first"));
   EXPECT_EQ(model->error,
             "lossy.mp3 is already lossy. Choose its original WAV, AIFF, FLAC or Apple Lossless file.\n\n"
             "This file contains no playable audio.");
 }
 
 TEST_F(Import, AndRoundsChangeNothingWhereTheyMayNotBegin) {
-  const auto file = wave("new.wav");
-  const auto edit = [&] {
-    model->importFiles({file});
-    model->choose();
-    model->remove(track("X"));
-    model->clearSongs();
+  const std::pair<const char*, std::function<void()>> states[] = {
+      {"busy", [&] { model->busy = true; }},
+      {"importing", [&] { model->importing = true; }},
+      {"listen", [&] { model->stage = Stage::listen; }},
+      {"reveal", [&] { model->stage = Stage::reveal; }},
+      {"tally", [&] { model->stage = Stage::tally; }},
   };
-  const auto start = [&] { model->start(); };
-  const struct {
-    const char* name;
-    std::function<void()> raise;
-    std::function<void()> attempt;
-  } table[] = {{"edit, busy", [&] { model->busy = true; }, edit},
-               {"edit, importing", [&] { model->importing = true; }, edit},
-               {"edit, listen", [&] { model->stage = Stage::listen; }, edit},
-               {"edit, reveal", [&] { model->stage = Stage::reveal; }, edit},
-               {"edit, tally", [&] { model->stage = Stage::tally; }, edit},
-               {"choose, no window", [&] { model->window = nullptr; }, [&] { model->choose(); }},
-               {"start, busy", [&] { model->busy = true; }, start},
-               {"start, importing", [&] { model->importing = true; }, start},
-               {"start, no track", [&] { model->playlist = {}; }, start},
-               {"start, no window", [&] { model->window = nullptr; }, start},
-               {"export, busy", [&] { model->busy = true; }, [&] { model->exportAudio(); }},
-               {"save, no window", [&] { model->window = nullptr; }, [&] { model->saveResults(); }}};
-  for (const auto& [name, raise, attempt] : table) {
+  for (const auto& [name, enter] : states) {
     makeModel();
     model->playlist = {track("X")};
-    raise();
-    const std::string before = state();
-    attempt();
-    EXPECT_EQ(state(), before) << name;
+    enter();
+    watch();
+    model->choose();
+    model->importFiles({track("new").url});
+    model->remove(track("X"));
+    model->clearSongs();
+    if (*model->stage == Stage::setup) model->start();
+    model->confirm();
+    if (model->busy) model->back();
+    model->exportAudio();
+    EXPECT_THAT(changes, IsEmpty()) << name;
     EXPECT_EQ(sheets.count(), 0U) << name;
   }
   makeModel();
   model->playlist = {track("X")};
-  const std::string before = state();
+  watch();
+  model->window = nullptr;
+  model->choose();
+  model->start();
+  EXPECT_EQ(sheets.count(), 0U) << "no window";
+  model->window = &sheets;
   model->start();
   sheets.alerts.at(0).done(1);
-  sheets.alerts.at(0).done(std::nullopt);
-  EXPECT_EQ(state(), before) << "start, not continued";
+  EXPECT_THAT(changes, IsEmpty()) << "not continued";
+}
+
+// A death test, by its name, comes before any thread is started.
+TEST(SettingsDeathTest, GoOnInAnotherProcess) {
+  const ScratchFolder scratch;
+  const auto file = scratch / "defaults.json";
+  const auto settings = [&](bool change) {
+    NativeModel model(scratch.path(), std::make_unique<FakeAudioEngine>(), Defaults(file));
+    if (!change) return (model.glass ? "glass " : "plain ") + *model.appearance;
+    model.glass = false;
+    model.appearance = "dark";
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(settings(true), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(settings(false), "plain dark");
+  writeFile(file, R"({"liquidGlass": "false", "appearance": "light"})");
+  EXPECT_EQ(settings(false), "glass light") << "a text is no boolean";
+  writeFile(file, "{damaged");
+  EXPECT_EQ(settings(false), "glass system");
+}
+
+TEST(TrackMetadata, IsTheFirstTextThatIsLeftOfTheContainersFieldsThenID3ThenPlainInfo) {
+  const TagFields id3{{"id3"}, {"id3"}, {"id3"}};
+  const TagFields info{{"info"}, {"info"}, {"info"}};
+  const TagFields blank{{" ", "\n"}, {""}, {"\t"}};
+  const TagFields invisible{{"  \u2028 "}, {"\u200b\x01"}, {}};
+  const struct {
+    MediaTags tags;
+    TrackMetadata expected;
+  } cases[] = {
+      {{{{"own"}, {"own"}, {"own"}}, id3, info, {}}, {"own", "own", "own"}},
+      {{blank, invisible, info, {}}, {"info", "info", "info"}},
+      {{blank, blank, invisible, {}}, {"Name", std::nullopt, std::nullopt}},
+      {{{{" ", "second"}, {}, {}}, {{}, {"id3"}, {}}, info, {}}, {"second", "id3", "info"}},
+      {{{{"Live\r\nVersion"}, {" \tBand\n"}, {"zero\u200dwidth\ufeff"}}, {}, {}, {}},
+       {"Live  Version", "Band", "zero width"}},
+      {{{{"\u00a0\u2003wide\u3000"}, {"tagged\U000e0041!"}, {"🎧 Ünï"}}, {}, {}, {}},
+       {"wide", "tagged !", "🎧 Ünï"}},
+  };
+  for (const auto& [tags, expected] : cases) {
+    const TrackMetadata metadata = trackMetadata(tags, "/music/Name.flac");
+    EXPECT_EQ(metadata.title, expected.title);
+    EXPECT_EQ(metadata.artist, expected.artist);
+    EXPECT_EQ(metadata.album, expected.album);
+  }
 }
 
 }  // namespace

@@ -1,61 +1,22 @@
 #pragma once
 
 #include "model/NativeModel.h"
+#include "platform/FileSystem.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FakeAudioEngine.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/ScriptedSheets.h"
 #include "tests/support/Signals.h"
+#include "tests/support/StandIns.h"
 
-#include <QTextStream>
 #include <algorithm>
 #include <cstdlib>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
 namespace zarnet::test {
 
-/// Stands in for the external programs: "afconvert" and "lame" that copy their input, so that a preparation
-/// takes milliseconds, and that wait or fail when they are told to.
-class StubPrograms {
- public:
-  explicit StubPrograms(const std::filesystem::path& location) : folder(location) {
-    std::filesystem::create_directories(folder);
-    for (const char* name : {"afconvert", "lame"}) {
-      const std::string here = folder.string();
-      writeFile(folder / name, "#!/bin/sh\necho $$ >> " + here + "/started\n[ -e " + here +
-                                   "/fail ] && { echo No luck.; exit 3; }\nwhile [ -e " + here +
-                                   "/hold ]; do sleep 0.01; done\ncp \"$1\" \"$2\"\n");
-      std::filesystem::permissions(folder / name, std::filesystem::perms::owner_all);
-    }
-  }
-
-  /// While this is on, a program that starts waits; then it goes on.
-  void hold(bool on) const { exist("hold", on); }
-  /// While this is on, programs end at once with a message and an error.
-  void fail(bool on) const { exist("fail", on); }
-  /// Whether any program has been started.
-  bool started() const { return std::filesystem::exists(folder / "started"); }
-
-  const std::filesystem::path folder;
-
- private:
-  void exist(const char* name, bool on) const {
-    if (on) {
-      writeFile(folder / name, "");
-    } else {
-      std::filesystem::remove(folder / name);
-    }
-  }
-};
-
-/// A model whose programs are stubs, whose output is a fake and whose window is answered by the test, in
-/// folders of its own.
+/// A model in folders of its own, whose encoders can be replaced and whose window is answered by the test.
 class Models : public testing::Test {
  protected:
   Models() {
@@ -65,95 +26,56 @@ class Models : public testing::Test {
   }
   ~Models() override { unsetenv("TMPDIR"); }
 
-  void makeModel() {
-    auto fake = std::make_unique<FakeAudioEngine>();
-    engine = fake.get();
-    model =
-        std::make_unique<NativeModel>(programs.folder, std::move(fake), Defaults(scratch / "defaults.json"));
+  void makeModel(std::unique_ptr<AudioEngine> output = std::make_unique<FakeAudioEngine>()) {
+    engine = dynamic_cast<FakeAudioEngine*>(output.get());
+    model = std::make_unique<NativeModel>(programs.lame().parent_path(), std::move(output),
+                                          Defaults(scratch / "defaults.json"));
     model->window = &sheets;
   }
 
   /// A track of half a second.
   Song track(const std::string& title) const {
-    const auto file = scratch / (title + ".wav");
-    if (!std::filesystem::exists(file)) writeWave(file, noise(48000, 2, 24000, 0.5, 1));
     Song song;
-    song.id = file.string();
-    song.url = file;
+    song.url = writeWave(scratch / (title + ".wav"), noise(48000, 2, 24000, 0.5, 1));
     song.title = QString::fromStdString(title);
     return song;
   }
 
   /// Starts a test of tracks with these titles, as far as it goes without the event loop.
   void begin(const std::vector<std::string>& titles) {
-    std::vector<Song> songs;
+    model->playlist = {};
     for (const std::string& title : titles)
-      songs.push_back(track(title));
-    model->playlist = songs;
+      model->playlist.change([&](std::vector<Song>& songs) { songs.push_back(track(title)); });
     model->start();
-    sheets.alerts.back().done(0);
+    if (!sheets.alerts.empty()) sheets.alerts.back().done(0);
   }
-
   bool prepared() {
     return eventually([this] { return !model->busy; });
   }
 
-  /// What lies in the workspace, or in the temporary folder once the model is gone.
-  std::vector<std::string> workspace() const {
-    std::vector<std::string> names;
-    for (const auto& entry :
-         std::filesystem::directory_iterator(model ? model->preparer.directory : temporary))
-      names.push_back(entry.path().filename().string());
-    return names;
+  /// Seconds of the comparison that the player holds.
+  double loaded() const { return std::get<double>(model->player.status().at("duration")); }
+  bool plays() const { return std::get<bool>(model->player.status().at("playing")); }
+  std::vector<std::filesystem::path> workspace() const { return folderEntries(model->preparer.directory); }
+  /// How many of them are conversions.
+  std::ptrdiff_t conversions() const {
+    return std::ranges::count_if(workspace(), [](const auto& entry) { return is_directory(entry); });
   }
 
-  /// The conversion folders among them.
-  std::size_t conversions() const {
-    const auto names = workspace();
-    return static_cast<std::size_t>(
-        std::ranges::count_if(names, [](auto& name) { return name.size() == 36; }));
-  }
-
-  /// Everything that the model shows, in one text.
-  std::string state() const {
-    QString all;
-    QTextStream out(&all);
-    const NativeModel& m = *model;
-    out << m.playlist->size() << int(*m.stage) << *m.codec << *m.rate << *m.match << *m.busy << *m.importing
-        << *m.progress << m.error->value_or("-") << *m.index << *m.selected << m.vote->value_or("-")
-        << *m.lossless << m.answers->size() << *m.position << '/' << *m.duration << *m.playing << *m.volume
-        << *m.loop << *m.loopStart << '/' << *m.loopEnd << *m.originalDescription << *m.glass << *m.appearance
-        << m.exportURL.has_value() << m.exportName << m.roundSongs.size() << m.roundCodec << m.roundRate
-        << m.roundMatch;
-    return all.toStdString();
-  }
-
-  /// The names of the properties that change from now on, in order.
-  Subscription record(std::vector<std::string>& names) const {
-    const NativeModel& m = *model;
-    const std::map<const Property*, std::string> known = {{&m.busy, "busy"},
-                                                          {&m.progress, "progress"},
-                                                          {&m.answers, "answers"},
-                                                          {&m.index, "index"},
-                                                          {&m.lossless, "lossless"},
-                                                          {&m.selected, "selected"},
-                                                          {&m.duration, "duration"},
-                                                          {&m.stage, "stage"},
-                                                          {&m.originalDescription, "originalDescription"},
-                                                          {&m.loopStart, "loopStart"},
-                                                          {&m.loopEnd, "loopEnd"},
-                                                          {&m.loop, "loop"}};
-    return model->willChange.subscribe([known, &names](const Property& property) {
-      names.push_back(known.contains(&property) ? known.at(&property) : "another");
-    });
+  /// Notes which properties change from now on, in order.
+  void watch() {
+    changes.clear();
+    watcher = model->willChange.subscribe([this](const Property& property) { changes.push_back(&property); });
   }
 
   ScratchFolder scratch;
   const std::filesystem::path temporary = scratch / "tmp";
-  const StubPrograms programs{scratch / "programs"};
+  StandIns programs;
   ScriptedSheets sheets;
-  FakeAudioEngine* engine = nullptr;  ///< belongs to the model
+  FakeAudioEngine* engine = nullptr;  ///< the model's
+  std::vector<const Property*> changes;
   std::unique_ptr<NativeModel> model;
+  Subscription watcher;
 };
 
 }  // namespace zarnet::test
