@@ -10,9 +10,17 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace zarnet {
+
+namespace {
+constexpr int alertPadding = 28;
+constexpr int textWidth = 364;  // of an alert
+}  // namespace
 
 Sheet::Sheet(QWidget* parent, int width)
     : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
@@ -61,35 +69,49 @@ void BusySheet::closeEvent(QCloseEvent* event) {
 
 AlertSheet::AlertSheet(QWidget* parent, const QString& message, const QString& informativeText,
                        const QStringList& buttons)
-    : Sheet(parent, 420), information(new Text(TextStyle::body)) {
+    : Sheet(parent, textWidth + 2 * alertPadding),
+      information(new Text(TextStyle::body)),
+      scroll(new QScrollArea) {
   setAttribute(Qt::WA_DeleteOnClose);
   auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(28, 28, 28, 24);
+  column->setContentsMargins(alertPadding, alertPadding, alertPadding, 24);
   column->setSpacing(8);
   column->addWidget(new Text(TextStyle::verdict, message));
   information->setSelectable(true);
-  column->addWidget(information);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setWidgetResizable(true);
+  scroll->viewport()->setAutoFillBackground(false);
+  scroll->setWidget(information);
+  information->setAutoFillBackground(false);
+  column->addWidget(scroll);
   column->addSpacing(16);
 
   auto* row = new QHBoxLayout;
   row->setSpacing(12);
   row->addStretch();
   // The first button is the default; it stands last, where the eye ends.
+  Button* standard = nullptr;
   for (qsizetype i = buttons.size(); i-- > 0;) {
     auto* button = new Button(i == 0 ? Button::Kind::prominent : Button::Kind::standard, buttons[i]);
     connect(button, &QAbstractButton::clicked, this, [this, i] { done(static_cast<int>(i)); });
     row->addWidget(button, 0, Qt::AlignVCenter);
-    if (i == 0) button->setFocus();
+    standard = button;
   }
   column->addLayout(row);
-  setInformativeText(informativeText);
+  standard->setFocus();  // now that it belongs to the sheet
   setAccessibleName(message);
-  setAccessibleDescription(informativeText);
+  setInformativeText(informativeText);
   new FocusRing(this);
 }
 
 void AlertSheet::setInformativeText(const QString& text) {
   information->setText(text);
+  setAccessibleDescription(text);
+  const int wanted = information->heightForWidth(textWidth);
+  const int limit = screen()->availableGeometry().height() / 2;
+  scroll->setFixedHeight(std::min(wanted, limit));
+  scroll->setFocusPolicy(wanted > limit ? Qt::StrongFocus : Qt::NoFocus);
   fit();
 }
 

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+class QScrollArea;
+
 namespace zarnet {
 
 class Text;
@@ -46,7 +48,8 @@ class BusySheet : public Sheet {
   Text* progress;
 };
 
-/// A message with buttons. `result()` is the position of the button that was pressed; −1 when it was
+/// A message with buttons, the first of which Return presses. A text that is long scrolls within half the
+/// screen's height. `result()` is the position of the button that was pressed; −1 when it was
 /// dismissed otherwise.
 class AlertSheet : public Sheet {
   Q_OBJECT
@@ -59,6 +62,7 @@ class AlertSheet : public Sheet {
 
  private:
   Text* information;
+  QScrollArea* scroll;
 };
 
 }  // namespace zarnet
