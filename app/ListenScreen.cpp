@@ -153,14 +153,14 @@ QWidget* NativeRoot::playback() {
   column->addSpacing(4);
   column->addWidget(transport());
 
-  follow([this, level, slider, duration] {
+  follow([this, level, duration] {
     level->setText(model.roundMatch ? QStringLiteral("Loudness matched")
                                     : QStringLiteral("Original relative levels"));
-    slider->setRange(0, static_cast<int>(std::lround(std::max(*model.duration, leastRange) * sliderSteps)));
     duration->setText(clockText(model.duration));
   });
   followPosition([this, slider, position] {
-    slider->display(static_cast<int>(std::lround(*model.position * sliderSteps)));
+    slider->display(static_cast<int>(std::lround(*model.position * sliderSteps)),
+                    static_cast<int>(std::lround(std::max(*model.duration, leastRange) * sliderSteps)));
     position->setText(clockText(model.position));
   });
   return panel;
@@ -180,7 +180,6 @@ QWidget* NativeRoot::transport() {
   connect(play, &QAbstractButton::clicked, this, [this] { model.playPause(); });
 
   auto* volume = new Slider;
-  volume->setRange(0, volumeSteps);
   volume->setSingleStep(volumeSteps / 20);
   volume->setPageStep(volumeSteps / 5);
   volume->setFixedWidth(90);
@@ -216,7 +215,7 @@ QWidget* NativeRoot::transport() {
   row->addStretch(1);
   follow([this, play, volume] {
     play->setPlaying(model.playing);
-    volume->display(static_cast<int>(std::lround(*model.volume * volumeSteps)));
+    volume->display(static_cast<int>(std::lround(*model.volume * volumeSteps)), volumeSteps);
     loopButton->setText(model.loop ? QStringLiteral("Loop on") : QStringLiteral("Loop"));
     loopButton->setSymbol(QStringLiteral("repeat"), 17);
     loopButton->setAccented(model.loop);

@@ -23,9 +23,10 @@ Slider::Slider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
   });
 }
 
-void Slider::display(int value) {
-  if (isSliderDown() || value == this->value()) return;
+void Slider::display(int value, int maximum) {
+  if (isSliderDown()) return;
   displaying = true;
+  setRange(0, maximum);  // may push the old value into the new range, which is no wish of the user's
   setValue(value);
   displaying = false;
 }

@@ -15,8 +15,8 @@ class Slider : public QSlider {
   QSize sizeHint() const override { return {160, 24}; }
   QSize minimumSizeHint() const override { return {40, 24}; }
 
-  /// Takes a value without reporting it; ignored while the user drags the knob.
-  void display(int value);
+  /// Takes a value from 0 to `maximum` without reporting it; ignored while the user drags the knob.
+  void display(int value, int maximum);
 
  Q_SIGNALS:
   /// The user chose this value with the mouse, the wheel or a key.

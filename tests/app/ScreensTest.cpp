@@ -106,10 +106,13 @@ TEST_F(Screens, ATestOfOneTrackEndsInItsReveal) {
 TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   const test::PulseServer sound;
   setenv("PULSE_SERVER", sound.address().c_str(), 1);
-  import({track("First"), track("Second", 20)});
+  import({track("First", 30), track("Second", 20)});
   reachAndPress("Start blind comparison");
-  reachAndPress("Continue");
+  expectText("Continue");
+  key(Qt::Key_Return);  // the default button
   expectText("Track 1 of 2");
+  reach("Playback position");
+  key(Qt::Key_End);
   key(Qt::Key_B);
   EXPECT_TRUE(eventually([&] { return isSelected("Listen to B"); }));
   reachAndPress("Preference: B");
@@ -119,6 +122,7 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   reachAndPress("Confirm & next track");
 
   expectText("Track 2 of 2");
+  expectText("0:00");  // though the first, longer one stood at its end
   EXPECT_FALSE(isEnabled("Confirm & show tally"));
   reach("Volume");
   key(Qt::Key_Space);  // also on a slider
