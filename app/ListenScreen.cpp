@@ -1,8 +1,10 @@
+#include "app/BareLayout.h"
 #include "app/NativeRoot.h"
 #include "app/Popover.h"
 #include "app/controls/Artwork.h"
 #include "app/controls/Button.h"
 #include "app/controls/ClockText.h"
+#include "app/controls/Help.h"
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/SideCard.h"
 #include "app/controls/Slider.h"
@@ -10,8 +12,6 @@
 #include "app/controls/Text.h"
 #include "app/controls/Toggles.h"
 
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
 
@@ -26,24 +26,10 @@ constexpr int volumeSteps = 1000;      // of the whole volume slider
 constexpr double shortestPart = 0.05;  // seconds, between a loop's start and the end of the track
 constexpr double loopPush = 1;         // seconds, that one end of the loop keeps from the other
 
-QHBoxLayout* bareRow(QWidget* panel, int spacing) {
-  auto* row = new QHBoxLayout(panel);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->setSpacing(spacing);
-  return row;
-}
-
-QVBoxLayout* bareColumn(QWidget* panel, int spacing) {
-  auto* column = new QVBoxLayout(panel);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(spacing);
-  return column;
-}
-
 Button* skipButton(const QString& symbol, const QString& label) {
   auto* button = new Button(Button::Kind::borderless);
   button->setSymbol(symbol, 26);
-  button->setToolTip(label);
+  setHelp(*button, label);
   button->setAccessibleName(label);
   return button;
 }
@@ -219,7 +205,6 @@ QWidget* NativeRoot::transport() {
     loopButton->setText(model.loop ? QStringLiteral("Loop on") : QStringLiteral("Loop"));
     loopButton->setSymbol(QStringLiteral("repeat"), 17);
     loopButton->setAccented(model.loop);
-    loopButton->updateGeometry();
   });
   return panel;
 }
@@ -308,7 +293,6 @@ QWidget* NativeRoot::question() {
     confirm->setText(!model.tournament() ? QStringLiteral("Confirm && reveal")
                      : last              ? QStringLiteral("Confirm && show tally")
                                          : QStringLiteral("Confirm && next track"));
-    confirm->updateGeometry();
     confirm->setEnabled(model.vote->has_value());
   });
   return panel;

@@ -1,16 +1,14 @@
+#include "app/BareLayout.h"
 #include "app/NativeRoot.h"
 #include "app/SongList.h"
 #include "app/controls/Button.h"
+#include "app/controls/Help.h"
 #include "app/controls/Picker.h"
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/Spinner.h"
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 #include "app/controls/Toggles.h"
-#include "prepare/Codecs.h"
-
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 namespace zarnet {
 
@@ -30,9 +28,7 @@ QVBoxLayout* labelled(Text* caption, QWidget* control) {
 
 QWidget* NativeRoot::setup() {
   auto* screen = new QWidget;
-  auto* stack = new QVBoxLayout(screen);
-  stack->setContentsMargins(0, 0, 0, 0);
-  stack->setSpacing(24);
+  auto* stack = bareColumn(screen, 24);
   screen->setAccessibleName(QStringLiteral("Tracks and settings"));
   stack->addWidget(songPanel());
   stack->addWidget(settingsRow());
@@ -42,9 +38,7 @@ QWidget* NativeRoot::setup() {
 
 QWidget* NativeRoot::songPanel() {
   auto* panel = new RoundedPanel;
-  auto* stack = new QVBoxLayout(panel);
-  stack->setContentsMargins(0, 0, 0, 0);
-  stack->setSpacing(0);
+  auto* stack = bareColumn(panel, 0);
 
   QWidget* empty = emptyPanel();
   auto* filled = new QWidget;
@@ -56,7 +50,7 @@ QWidget* NativeRoot::songPanel() {
   auto* spinner = new Spinner(18);
   auto* add = new Button(Button::Kind::standard, QStringLiteral("Add songs…"));
   auto* clear = new Button(Button::Kind::standard, QStringLiteral("Clear all"));
-  clear->setToolTip(QStringLiteral("Remove all songs from the list"));
+  setHelp(*clear, QStringLiteral("Remove all songs from the list"));
   connect(add, &QAbstractButton::clicked, this, [this] { model.choose(); });
   connect(clear, &QAbstractButton::clicked, this, [this] { model.clearSongs(); });
   auto* row = new QHBoxLayout;
@@ -68,7 +62,7 @@ QWidget* NativeRoot::songPanel() {
   row->addWidget(clear);
   column->addLayout(row);
 
-  auto* songs = new SongList([this](const Song& song) { model.remove(song); });
+  auto* songs = new SongList(clear, [this](const Song& song) { model.remove(song); });
   column->addWidget(songs);
   stack->addWidget(empty);
   stack->addWidget(filled);
@@ -121,9 +115,7 @@ QWidget* NativeRoot::emptyPanel() {
 
 QWidget* NativeRoot::settingsRow() {
   auto* panel = new QWidget;
-  auto* row = new QHBoxLayout(panel);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->setSpacing(20);
+  auto* row = bareRow(panel, 20);
 
   auto* format = new Picker;
   format->addItems({QStringLiteral("AAC"), QStringLiteral("MP3"), QStringLiteral("Ogg Vorbis")});
@@ -164,9 +156,7 @@ QWidget* NativeRoot::settingsRow() {
 
 QWidget* NativeRoot::startRow() {
   auto* panel = new QWidget;
-  auto* row = new QHBoxLayout(panel);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->setSpacing(18);
+  auto* row = bareRow(panel, 18);
   auto* start = new Button(Button::Kind::prominent, QStringLiteral("Start blind comparison"));
   firstFocus[Stage::setup] = start;
   connect(start, &QAbstractButton::clicked, this, [this] { model.start(); });

@@ -1,15 +1,17 @@
 #include "app/SongList.h"
 
+#include "app/BareLayout.h"
 #include "app/controls/Button.h"
 #include "app/controls/ClockText.h"
+#include "app/controls/Help.h"
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 #include "model/NativeModel.h"
 
-#include <QHBoxLayout>
 #include <QMetaObject>
-#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
 
 namespace zarnet {
 
@@ -36,8 +38,9 @@ class SongList::Row : public QWidget {
     clock->setText(clockText(song.duration));
 
     button->setSymbol(QStringLiteral("xmark"), 14);
-    button->setToolTip(QStringLiteral("Remove ") + song.title);
-    button->setAccessibleName(button->toolTip());
+    const QString help = QStringLiteral("Remove ") + song.title;
+    setHelp(*button, help);
+    button->setAccessibleName(help);
     connect(button, &QAbstractButton::clicked, this, [this, removeSong] { removeSong(Song(song)); });
 
     auto* row = new QHBoxLayout;
@@ -48,9 +51,7 @@ class SongList::Row : public QWidget {
     row->addWidget(clock);
     row->addWidget(button);
 
-    auto* stack = new QVBoxLayout(this);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(0);
+    auto* stack = bareColumn(this, 0);
     stack->addWidget(divider);
     stack->addLayout(row);
   }
@@ -60,11 +61,8 @@ class SongList::Row : public QWidget {
   Button* const button;
 };
 
-SongList::SongList(std::function<void(const Song&)> removeSong, QWidget* parent)
-    : QWidget(parent), remove(std::move(removeSong)), column(new QVBoxLayout(this)) {
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(0);
-}
+SongList::SongList(QWidget* controlBefore, std::function<void(const Song&)> removeSong)
+    : before(controlBefore), remove(std::move(removeSong)), column(bareColumn(this, 0)) {}
 
 void SongList::setSongs(const std::vector<Song>& next) {
   // Songs are appended and removed, never moved: a row stays as long as its song comes next in the list.
@@ -74,9 +72,9 @@ void SongList::setSongs(const std::vector<Song>& next) {
       ++kept;
       return false;
     }
-    column->removeWidget(row);
     row->hide();
     row->deleteLater();
+    if (QWidget* group = row->parentWidget(); group->layout()->isEmpty()) group->deleteLater();
     return true;
   });
   songs = next;
@@ -85,16 +83,24 @@ void SongList::setSongs(const std::vector<Song>& next) {
 }
 
 void SongList::addPortion() {
-  const std::size_t end = std::min(songs.size(), rows.size() + portion);
+  const std::size_t first = rows.size();
+  const std::size_t end = std::min(songs.size(), first + portion);
+  if (first == end) return;
+  // The rows of a portion stand in a widget of their own: it is laid out once, not once for each of them.
+  auto* group = new QWidget;
+  auto* stack = bareColumn(group, 0);
   while (rows.size() < end) {
     auto* row = new Row(songs[rows.size()], remove);
     row->button->setEnabled(removable);
     row->divider->setVisible(!rows.empty());
-    column->addWidget(row);
+    stack->addWidget(row);
     rows.push_back(row);
   }
-  if (rows.size() < songs.size())
-    QMetaObject::invokeMethod(this, &SongList::addPortion, Qt::QueuedConnection);
+  column->addWidget(group);
+  // New widgets come last in the order of the Tab key, wherever they stand.
+  for (std::size_t i = first; i < end; ++i)
+    setTabOrder(i == 0 ? before : rows[i - 1]->button, rows[i]->button);
+  if (end < songs.size()) QMetaObject::invokeMethod(this, &SongList::addPortion, Qt::QueuedConnection);
 }
 
 void SongList::setRemovable(bool removableNow) {

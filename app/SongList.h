@@ -16,8 +16,9 @@ class SongList : public QWidget {
   Q_OBJECT
 
  public:
-  /// `remove` is called with the song whose remove button was pressed.
-  explicit SongList(std::function<void(const Song&)> remove, QWidget* parent = nullptr);
+  /// `remove` is called with the song whose remove button was pressed. The Tab key comes to these buttons
+  /// after `before`, which stands in the same window and outlives the list.
+  SongList(QWidget* before, std::function<void(const Song&)> remove);
 
   void setSongs(const std::vector<Song>& songs);
   void setRemovable(bool removable);
@@ -27,6 +28,7 @@ class SongList : public QWidget {
 
   void addPortion();
 
+  QWidget* const before;
   const std::function<void(const Song&)> remove;
   QVBoxLayout* column;
   std::vector<Row*> rows;

@@ -1,10 +1,9 @@
+#include "app/BareLayout.h"
 #include "app/NativeRoot.h"
 #include "app/controls/Button.h"
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/Text.h"
 
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 #include <algorithm>
 
 namespace zarnet {
@@ -13,9 +12,7 @@ namespace {
 
 QWidget* answerRow(const Vote& answer, const QString& codec, bool first) {
   auto* panel = new QWidget;
-  auto* column = new QVBoxLayout(panel);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(0);
+  auto* column = bareColumn(panel, 0);
   if (!first) column->addWidget(new Divider);
   const auto nameOf = [&](const QString& side) {
     return answer.lossless == side ? QStringLiteral("Lossless") : codec;
@@ -44,9 +41,7 @@ QWidget* answerRow(const Vote& answer, const QString& codec, bool first) {
 
 QWidget* NativeRoot::tally() {
   auto* screen = new QWidget;
-  auto* column = new QVBoxLayout(screen);
-  column->setContentsMargins(0, 0, 0, 0);
-  column->setSpacing(20);
+  auto* column = bareColumn(screen, 20);
 
   auto* heading = new QVBoxLayout;
   heading->setSpacing(4);
@@ -65,9 +60,7 @@ QWidget* NativeRoot::tally() {
   column->addLayout(totals);
 
   auto* rows = new QWidget;
-  auto* rowColumn = new QVBoxLayout(rows);
-  rowColumn->setContentsMargins(0, 0, 0, 0);
-  rowColumn->setSpacing(6);
+  auto* rowColumn = bareColumn(rows, 6);
   column->addWidget(rows);
 
   auto* save = new Button(Button::Kind::tall, QStringLiteral("Save results image…"));

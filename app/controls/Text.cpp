@@ -1,5 +1,6 @@
 #include "app/controls/Text.h"
 
+#include "app/controls/Help.h"
 #include "desktop/Palette.h"
 
 #include <QClipboard>
@@ -80,7 +81,7 @@ void Text::rebuild() {
   shown.replace(u'\n', QChar::LineSeparator);
   if (overflow == Overflow::elide) {
     const QString elided = QFontMetricsF(font()).elidedText(shown, Qt::ElideRight, width());
-    setToolTip(elided == shown ? QString() : content);
+    setHelp(*this, elided == shown ? QString() : content);
     shown = elided;
   }
   layOut(layout, shown, width());

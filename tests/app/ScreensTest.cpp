@@ -107,6 +107,9 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   const test::PulseServer sound;
   setenv("PULSE_SERVER", sound.address().c_str(), 1);
   import({track("First", 30), track("Second", 20)});
+  reach("Clear all");
+  key(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), control("Remove First")) << "Tab leaves the order of the eye";
   reachAndPress("Start blind comparison");
   expectText("Continue");
   key(Qt::Key_Return);  // the default button
