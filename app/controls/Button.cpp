@@ -81,12 +81,11 @@ void Button::paint(QPainter& painter) {
   switch (kind) {
     case Kind::standard:
     case Kind::tall:
-      drawBox(painter, rect(), kind == Kind::tall ? 10 : 8, shifted(colour.controlFill), colour.controlEdge,
-              1);
+      drawBox(painter, rect(), cornerRadius(), shifted(colour.controlFill), colour.controlEdge, 1);
       break;
     case Kind::prominent:
       ink = colour.textOnAccent;
-      drawBox(painter, rect(), 10, shifted(colour.accent), {}, 0);
+      drawBox(painter, rect(), cornerRadius(), shifted(colour.accent), {}, 0);
       break;
     case Kind::borderless: {
       const QColor base = accented ? colour.accent : colour.secondary;

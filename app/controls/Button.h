@@ -27,6 +27,7 @@ class Button : public ButtonBase {
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
+  double cornerRadius() const override { return kind == Kind::tall || kind == Kind::prominent ? 10 : 8; }
 
  protected:
   void paint(QPainter& painter) override;
@@ -49,6 +50,7 @@ class PlayButton : public ButtonBase {
   void setPlaying(bool playing);
 
   QSize sizeHint() const override { return {48, 48}; }
+  double cornerRadius() const override { return 24; }
 
  protected:
   void paint(QPainter& painter) override;

@@ -20,6 +20,9 @@ class ButtonBase : public QAbstractButton {
  public:
   explicit ButtonBase(QWidget* parent = nullptr);
 
+  /// Of the button's outline; the ring around the focused one runs parallel to it.
+  virtual double cornerRadius() const { return 8; }
+
  protected:
   /// Draws the control; the painter is antialiased and carries the disabled opacity already.
   virtual void paint(QPainter& painter) = 0;

@@ -1,13 +1,11 @@
 #include "app/controls/FocusRing.h"
 
-#include "app/controls/Button.h"
-#include "app/controls/SideCard.h"
+#include "app/controls/ButtonBase.h"
 #include "app/controls/Text.h"
-#include "app/controls/Toggles.h"
 #include "desktop/Palette.h"
 
 #include <QApplication>
-#include <QFocusEvent>
+#include <QEvent>
 #include <QPainter>
 
 namespace zarnet {
@@ -18,16 +16,8 @@ constexpr int gap = 2;
 constexpr int stroke = 2;
 
 double cornerRadius(const QWidget* widget) {
-  if (qobject_cast<const PlayButton*>(widget)) return 24;
-  if (qobject_cast<const SideCard*>(widget)) return 18;
-  if (qobject_cast<const Switch*>(widget)) return 11;
-  if (qobject_cast<const AnswerButton*>(widget)) return 10;
-  return 8;
-}
-
-bool fromKeyboard(Qt::FocusReason reason) {
-  return reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
-         reason == Qt::ShortcutFocusReason;
+  const auto* button = qobject_cast<const ButtonBase*>(widget);
+  return button != nullptr ? button->cornerRadius() : 8;
 }
 
 }  // namespace
@@ -51,10 +41,7 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
       break;
     case QEvent::FocusIn:
       if (widget != nullptr && parentWidget()->isAncestorOf(widget)) {
-        follow(byKeyboard && fromKeyboard(static_cast<QFocusEvent*>(event)->reason()) &&
-                       !qobject_cast<Text*>(widget)
-                   ? widget
-                   : nullptr);
+        follow(byKeyboard && !qobject_cast<Text*>(widget) ? widget : nullptr);
       }
       break;
     case QEvent::FocusOut:

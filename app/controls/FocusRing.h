@@ -6,8 +6,8 @@
 namespace zarnet {
 
 /// Shows where the keyboard is: a ring of the accent, 2 pixels wide, 2 pixels outside the focused control.
-/// One for each window; it lies over the content, takes no clicks, and is seen only when the focus came from
-/// the keyboard.
+/// One for each window; it lies over the content, takes no clicks, and is seen only when the focus moved
+/// while the keyboard was in use.
 class FocusRing : public QWidget {
   Q_OBJECT
 
@@ -24,7 +24,7 @@ class FocusRing : public QWidget {
   void place();
 
   QPointer<QWidget> focused;
-  bool byKeyboard = false;  ///< the latest input was a key, not the pointer
+  inline static bool byKeyboard = false;  ///< the latest input was a key, not the pointer, in any window
 };
 
 }  // namespace zarnet

@@ -67,7 +67,8 @@ void SideCard::paint(QPainter& painter) {
   const Tokens colour = colours();
   const QColor plain = glass ? withOpacity(colour.panel, 0.12) : colour.panel;
   const QColor fill = isSelected() ? withOpacity(colour.accent, 0.10 + pointerShift()) : shifted(plain);
-  drawBox(painter, rect(), 18, fill, isSelected() ? colour.accent : colour.cardEdge, isSelected() ? 2 : 1);
+  drawBox(painter, rect(), cornerRadius(), fill, isSelected() ? colour.accent : colour.cardEdge,
+          isSelected() ? 2 : 1);
 
   std::vector<Line> lines = {{side, TextStyle::sideLetter, false}};
   if (!identity.isEmpty()) {
@@ -109,7 +110,8 @@ void AnswerButton::paint(QPainter& painter) {
   const Tokens colour = colours();
   const QColor fill = isSelected() ? withOpacity(colour.accent, 0.18 + pointerShift())
                                    : withOpacity(colour.text, 0.05 + pointerShift());
-  drawBox(painter, rect(), 10, fill, isSelected() ? colour.accent : colour.cardEdge, isSelected() ? 2 : 1);
+  drawBox(painter, rect(), cornerRadius(), fill, isSelected() ? colour.accent : colour.cardEdge,
+          isSelected() ? 2 : 1);
   painter.setPen(colour.text);
   painter.setFont(font());
   painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());

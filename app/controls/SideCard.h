@@ -35,6 +35,7 @@ class SideCard : public SelectableButton {
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return {160, sizeHint().height()}; }
+  double cornerRadius() const override { return 18; }
 
  protected:
   void paint(QPainter& painter) override;
@@ -55,6 +56,7 @@ class AnswerButton : public SelectableButton {
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }
+  double cornerRadius() const override { return 10; }
 
  protected:
   void paint(QPainter& painter) override;

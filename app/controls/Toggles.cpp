@@ -64,7 +64,7 @@ Switch::Switch(QWidget* parent) : ButtonBase(parent) {
 void Switch::paint(QPainter& painter) {
   const Tokens colour = colours();
   const QColor off = mixed(colour.sliderTrack, colour.text, 0.12);
-  drawBox(painter, rect(), height() / 2.0, shifted(mixed(off, colour.accent, knob)), {}, 0);
+  drawBox(painter, rect(), cornerRadius(), shifted(mixed(off, colour.accent, knob)), {}, 0);
   const double diameter = height() - 4;
   painter.setBrush(Qt::white);
   painter.drawEllipse(QRectF(2 + knob * (width() - height()), 2, diameter, diameter));

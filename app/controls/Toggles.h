@@ -25,6 +25,7 @@ class Switch : public ButtonBase {
  public:
   explicit Switch(QWidget* parent = nullptr);
   QSize sizeHint() const override { return {38, 22}; }
+  double cornerRadius() const override { return 11; }
 
  protected:
   void paint(QPainter& painter) override;
