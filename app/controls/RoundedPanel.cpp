@@ -12,8 +12,12 @@ GlassSurface::GlassSurface(QWidget* parent, double radius) : QWidget(parent), co
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setFocusPolicy(Qt::NoFocus);
   parent->installEventFilter(this);
-  setGeometry(parent->rect());
+  fill();
   lower();
+}
+
+void GlassSurface::fill() {
+  setGeometry(parentWidget()->rect().adjusted(1, 1, -1, -2));  // inside the panel's edge, which stays seen
 }
 
 void GlassSurface::setEnabled(bool enabled) {
@@ -24,11 +28,11 @@ void GlassSurface::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const Tokens colour = tokens(palette());
-  drawBox(painter, rect(), cornerRadius, withOpacity(colour.panel, colour.dark ? 0.62 : 0.68), {}, 0);
+  drawBox(painter, rect(), cornerRadius - 1, withOpacity(colour.panel, colour.dark ? 0.62 : 0.68), {}, 0);
 }
 
 bool GlassSurface::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
+  if (event->type() == QEvent::Resize) fill();
   return QWidget::eventFilter(watched, event);
 }
 

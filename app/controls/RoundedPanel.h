@@ -11,7 +11,7 @@ class GlassSurface : public QWidget {
   Q_OBJECT
 
  public:
-  /// Requires: a parent, which it fills from then on.
+  /// Requires: a parent with corners of this radius, which it fills from then on.
   GlassSurface(QWidget* parent, double cornerRadius);
 
   /// Seen when true, hidden when false.
@@ -24,6 +24,8 @@ class GlassSurface : public QWidget {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void fill();
+
   const double cornerRadius;
 };
 
