@@ -46,6 +46,15 @@ struct Collection {
   }
 };
 
+std::vector<QByteArray> addresses(const QMimeData& data) {
+  std::vector<QByteArray> found;
+  for (const QByteArray& line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
+    const QByteArray address = line.trimmed();
+    if (!address.isEmpty() && !address.startsWith('#')) found.push_back(address);
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<std::filesystem::path> fileFromAddress(const QByteArray& address) {
@@ -67,12 +76,14 @@ std::optional<std::filesystem::path> fileFromAddress(const QByteArray& address) 
 
 std::vector<std::shared_ptr<ItemProvider>> droppedItems(const QMimeData& data) {
   std::vector<std::shared_ptr<ItemProvider>> items;
-  for (const QByteArray& line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
-    const QByteArray address = line.trimmed();
-    if (address.isEmpty() || address.startsWith('#')) continue;
+  for (const QByteArray& address : addresses(data))
     items.push_back(std::make_shared<DeliveredItem>(fileFromAddress(address)));
-  }
   return items;
+}
+
+bool carriesFiles(const QMimeData& data) {
+  return std::ranges::any_of(addresses(data),
+                             [](const QByteArray& address) { return fileFromAddress(address).has_value(); });
 }
 
 void loadFiles(const std::vector<std::shared_ptr<ItemProvider>>& providers,

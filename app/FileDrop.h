@@ -32,6 +32,9 @@ std::vector<std::shared_ptr<ItemProvider>> droppedItems(const QMimeData& data);
 /// bytes. None for anything but a file of this machine.
 std::optional<std::filesystem::path> fileFromAddress(const QByteArray& address);
 
+/// Whether there is a file among the items of a drag or a drop.
+bool carriesFiles(const QMimeData& data);
+
 /// Loads all items and calls `done` once, on the interface thread, with the files among them in the order
 /// given. Never calls it when there is no item. Interface thread.
 void loadFiles(const std::vector<std::shared_ptr<ItemProvider>>& providers,

@@ -3,8 +3,6 @@
 #include "app/Sheet.h"
 #include "app/controls/ButtonBase.h"
 #include "app/controls/FocusRing.h"
-#include "app/controls/SideCard.h"
-#include "app/controls/Text.h"
 #include "desktop/Palette.h"
 
 #include <QAccessible>
@@ -58,6 +56,7 @@ NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightR
   content->setMaximumWidth(widest);
   page->setContentsMargins(padding, padding, padding, padding);
   page->setSpacing(0);
+  page->addStretch(1);
   content->setLayout(page);
   content->installEventFilter(this);
 
@@ -71,7 +70,6 @@ NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightR
   scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroll->viewport()->setAutoFillBackground(false);
-  content->setAutoFillBackground(false);
   scroll->setWidget(content);
   content->setAutoFillBackground(false);
   new FocusRing(content);
@@ -87,10 +85,6 @@ NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightR
 }
 
 NativeRoot::~NativeRoot() = default;
-
-bool NativeRoot::isClear() const {
-  return model.glass;
-}
 
 void NativeRoot::addShortcut(const QKeySequence& key, std::function<void()> action) {
   auto* shortcut = new QShortcut(key, this);
@@ -137,7 +131,7 @@ NativeRoot::Screen& NativeRoot::screenOf(Stage stage) {
     screen.widget = stage == Stage::setup ? setup() : stage == Stage::tally ? tally() : listen();
     building = nullptr;
     screen.widget->hide();
-    page->addWidget(screen.widget);
+    page->insertWidget(0, screen.widget);
   }
   return screen;
 }
@@ -150,7 +144,6 @@ void NativeRoot::showScreen() {
     if (shown != nullptr) shown->widget->hide();
     shown = &screen;
     shown->widget->show();
-    scroll->verticalScrollBar()->setValue(0);
   }
   const bool comparison = *model.stage == Stage::listen || *model.stage == Stage::reveal;
   for (QShortcut* shortcut : shortcuts)
@@ -162,6 +155,8 @@ void NativeRoot::showScreen() {
 }
 
 void NativeRoot::announce() {
+  // The reveal takes the place of what was answered, at the end of the screen; all else begins at its top.
+  if (*model.stage != Stage::reveal) scroll->verticalScrollBar()->setValue(0);
   // A screen reader speaks the new screen's name, and goes on from its first control.
   QAccessibleEvent event(shown->widget, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
@@ -171,20 +166,25 @@ void NativeRoot::announce() {
 }
 
 void NativeRoot::showSheets() {
-  if (model.busy && busySheet == nullptr) {
-    busySheet = new BusySheet(window());
-    connect(busySheet, &BusySheet::cancelled, this, [this] { model.cancel(); });
-    busySheet->open();
-  }
-  if (busySheet != nullptr) busySheet->setProgress(model.progress);
-  if (!model.busy && busySheet != nullptr) {
+  if (model.busy) {
+    const bool begins = busySheet == nullptr;
+    if (begins) {
+      busySheet = new BusySheet(window());
+      connect(busySheet, &BusySheet::cancelled, this, [this] { model.cancel(); });
+    }
+    busySheet->setProgress(model.progress);
+    if (begins) busySheet->open();
+  } else if (busySheet != nullptr) {
     busySheet->close();
     busySheet->deleteLater();
     busySheet = nullptr;
   }
   if (model.error->has_value() && alert == nullptr && busySheet == nullptr) {
     alert = new AlertSheet(window(), QStringLiteral("Zarnet"), **model.error, {QStringLiteral("OK")});
-    connect(alert, &QDialog::finished, this, [this] { model.error = std::nullopt; });
+    connect(alert, &QDialog::finished, this, [this] {
+      alert = nullptr;  // it deletes itself; an error that comes now gets an alert of its own
+      model.error = std::nullopt;
+    });
     alert->open();
   } else if (model.error->has_value() && alert != nullptr) {
     alert->setInformativeText(**model.error);
@@ -211,7 +211,7 @@ bool NativeRoot::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void NativeRoot::paintEvent(QPaintEvent*) {
-  if (!isClear()) QPainter(this).fillRect(rect(), tokens(palette()).window);
+  if (!model.glass) QPainter(this).fillRect(rect(), tokens(palette()).window);
 }
 
 void NativeRoot::resizeEvent(QResizeEvent*) {
@@ -230,8 +230,12 @@ void NativeRoot::setTargeted(bool targetedNow) {
   outline->setVisible(targeted);
 }
 
+bool NativeRoot::takesDrops() const {
+  return *model.stage == Stage::setup && !model.importing && !model.busy;
+}
+
 bool NativeRoot::drop(const std::vector<std::shared_ptr<ItemProvider>>& providers) {
-  if (*model.stage != Stage::setup || model.importing || model.busy) return false;
+  if (!takesDrops()) return false;
   loadFiles(providers, [self = QPointer<NativeRoot>(this)](const std::vector<std::filesystem::path>& files) {
     if (self != nullptr && !files.empty()) self->model.importFiles(files);
   });
@@ -239,8 +243,7 @@ bool NativeRoot::drop(const std::vector<std::shared_ptr<ItemProvider>>& provider
 }
 
 void NativeRoot::dragEnterEvent(QDragEnterEvent* event) {
-  const bool welcome = *model.stage == Stage::setup && !model.importing && !model.busy;
-  if (!welcome || !event->mimeData()->hasFormat(QStringLiteral("text/uri-list"))) return event->ignore();
+  if (!takesDrops() || !carriesFiles(*event->mimeData())) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
   setTargeted(true);

@@ -42,9 +42,6 @@ class NativeRoot : public QWidget {
   /// when the last one has answered, imports those that are files in the order in which they were dropped.
   bool drop(const std::vector<std::shared_ptr<ItemProvider>>& providers);
 
-  /// Whether the window's background is clear, so that the backdrop behind it shows.
-  bool isClear() const;
-
  protected:
   void paintEvent(QPaintEvent*) override;
   void resizeEvent(QResizeEvent*) override;
@@ -94,6 +91,7 @@ class NativeRoot : public QWidget {
   void setLoopEnd();
   void addShortcut(const QKeySequence& key, std::function<void()> action);
   void setTargeted(bool targeted);
+  bool takesDrops() const;
 
   NativeModel& model;
   const std::function<void(double)> onContentHeight;
