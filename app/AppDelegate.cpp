@@ -38,6 +38,12 @@ QScreen* screenOf(const QWidget& window) {
   return window.screen() != nullptr ? window.screen() : QGuiApplication::primaryScreen();
 }
 
+void bringToFront(QWidget& window) {
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
 }  // namespace
 
 AppDelegate::AppDelegate(std::filesystem::path resourcesFolder) : resources(std::move(resourcesFolder)) {
@@ -47,7 +53,7 @@ AppDelegate::AppDelegate(std::filesystem::path resourcesFolder) : resources(std:
   resizing.setDuration(fitMilliseconds);
   resizing.setEasingCurve(QEasingCurve::InOutQuad);
   connect(&resizing, &QVariantAnimation::valueChanged, this,
-          [this](const QVariant& frame) { window->setFrame(frame.toRect()); });
+          [this](const QVariant& step) { window->place(step.toRect().topLeft(), step.toRect().size()); });
 }
 
 AppDelegate::~AppDelegate() {
@@ -87,6 +93,7 @@ void AppDelegate::buildMenuBar() {
   const auto item = [this](QMenu* menu, const QString& text, const QKeySequence& key, auto action) {
     auto* entry = new QAction(text, menu);
     entry->setShortcut(key);
+    entry->setShortcutContext(Qt::ApplicationShortcut);  // the one menu bar serves all windows
     connect(entry, &QAction::triggered, this, action);
     menu->addAction(entry);
     return entry;
@@ -99,7 +106,7 @@ void AppDelegate::buildMenuBar() {
   application->addSeparator();
   item(application, QStringLiteral("Settings…"), QKeySequence(Qt::CTRL | Qt::Key_Comma), [this] {
     showSettings();
-  })->setIcon(symbolIcon(QStringLiteral("gearshape"), 16, tokens(QApplication::palette()).text));
+  })->setIcon(symbolIcon(QStringLiteral("gearshape")));
   application->addSeparator();
   item(application, QStringLiteral("Quit Zarnet"), QKeySequence(Qt::CTRL | Qt::Key_Q),
        [] { QApplication::quit(); });
@@ -117,8 +124,9 @@ void AppDelegate::buildMenuBar() {
        [this] { copyEdit("selectAll"); });
 
   QMenu* windows = bar->addMenu(QStringLiteral("Window"));
-  item(windows, QStringLiteral("Minimize"), QKeySequence(Qt::CTRL | Qt::Key_M),
-       [this] { window->showMinimized(); });
+  item(windows, QStringLiteral("Minimize"), QKeySequence(Qt::CTRL | Qt::Key_M), [this] {
+    window->showMinimized();
+  })->setShortcutContext(Qt::WindowShortcut);
 }
 
 void AppDelegate::buildWindow() {
@@ -139,18 +147,11 @@ void AppDelegate::buildWindow() {
   }));
   validateMenus();
 
-  if (const QScreen* screen = screenOf(*window)) {
-    const QRectF whole = screen->geometry();
-    const QRectF visible =
-        QRectF(screen->availableGeometry()).adjusted(screenInset, screenInset, -screenInset, -screenInset);
-    const ScreenRect current = upwards(window->frameGeometry(), whole.bottom());
-    const ScreenRect target =
-        fittedMainWindowFrame(current, upwards(visible, whole.bottom()), current.height, true);
-    window->setFrame(downwards(target, whole.bottom()).toRect());
-  }
-  window->show();
-  window->raise();
-  window->activateWindow();
+  // Decorations come once it is shown, and change what fits.
+  connect(window.get(), &MainWindow::decorated, this, [this] { fitContent(pendingHeight); });
+  const QRect frame = fittedFrame(window->frameGeometry().height(), true);
+  window->place(frame.topLeft(), frame.size());
+  bringToFront(*window);
 }
 
 void AppDelegate::fitContent(double height) {
@@ -159,34 +160,38 @@ void AppDelegate::fitContent(double height) {
   pendingResize.start();
 }
 
-void AppDelegate::resizeNow(double height) {
-  const QScreen* screen = window ? screenOf(*window) : nullptr;
-  if (screen == nullptr || root == nullptr) return;
+QRect AppDelegate::fittedFrame(double height, bool centered) const {
+  const QRect frame = window->frameGeometry();
+  const QScreen* screen = screenOf(*window);
+  if (screen == nullptr) return frame;
   const double bottom = QRectF(screen->geometry()).bottom();
   const QRectF visible =
       QRectF(screen->availableGeometry()).adjusted(screenInset, screenInset, -screenInset, -screenInset);
+  const ScreenRect target =
+      fittedMainWindowFrame(upwards(frame, bottom), upwards(visible, bottom), height, centered);
+  return downwards(target, bottom).toRect();
+}
+
+void AppDelegate::resizeNow(double height) {
+  resizing.stop();
   const QRect frame = window->frameGeometry();
-  const double chrome = frame.height() - root->height();
-  const ScreenRect current = upwards(frame, bottom);
-  const ScreenRect target = fittedMainWindowFrame(current, upwards(visible, bottom),
-                                                  std::ceil(height) + chrome, !userMovedMainWindow);
-  if (std::abs(current.height - target.height) <= 1 && std::abs(current.x - target.x) <= 1 &&
-      std::abs(current.y - target.y) <= 1) {
+  const int chrome = frame.height() - root->height();
+  const QRect goal = fittedFrame(std::ceil(height) + chrome, !userMovedMainWindow);
+  if (std::abs(frame.height() - goal.height()) <= 1 && std::abs(frame.left() - goal.left()) <= 1 &&
+      std::abs(frame.bottom() - goal.bottom()) <= 1) {
     return;
   }
-  const QRect goal = downwards(target, bottom).toRect();
-  resizing.stop();
-  if (!window->isVisible() || !motionAllowed()) return window->setFrame(goal);
-  resizing.setStartValue(frame);
-  resizing.setEndValue(goal);
+  const QSize size = goal.size() - window->decorations();
+  if (!window->isVisible() || !motionAllowed()) return window->place(goal.topLeft(), size);
+  resizing.setStartValue(QRect(frame.topLeft(), window->size()));
+  resizing.setEndValue(QRect(goal.topLeft(), size));
   resizing.start();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool) {
   if (window) {
-    window->showNormal();
-    window->raise();
-    window->activateWindow();
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    bringToFront(*window);
   }
   return true;
 }
@@ -257,25 +262,19 @@ void AppDelegate::about() {
     aboutPanel.reset(auxiliaryWindow(QStringLiteral("About Zarnet"),
                                      new AboutPanel(QApplication::applicationVersion(), QString())));
   }
-  aboutPanel->show();
-  aboutPanel->raise();
-  aboutPanel->activateWindow();
+  bringToFront(*aboutPanel);
 }
 
 void AppDelegate::showAcknowledgements() {
   if (!acknowledgements) {
     acknowledgements.reset(auxiliaryWindow(QStringLiteral("Acknowledgements"), new NativeAcknowledgements));
   }
-  acknowledgements->show();
-  acknowledgements->raise();
-  acknowledgements->activateWindow();
+  bringToFront(*acknowledgements);
 }
 
 void AppDelegate::showSettings() {
   if (!settings) settings.reset(auxiliaryWindow(QStringLiteral("Settings"), new NativeSettings(*model)));
-  settings->show();
-  settings->raise();
-  settings->activateWindow();
+  bringToFront(*settings);
 }
 
 }  // namespace zarnet

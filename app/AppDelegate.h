@@ -7,7 +7,6 @@
 #include "model/NativeModel.h"
 
 #include <QObject>
-#include <QPropertyAnimation>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <filesystem>
@@ -59,6 +58,8 @@ class AppDelegate : public QObject {
   void buildMenuBar();
   void buildWindow();
   void resizeNow(double height);
+  /// The frame that the main window should have for this height of the whole frame.
+  QRect fittedFrame(double height, bool centered) const;
   QWidget* auxiliaryWindow(const QString& title, QWidget* content) const;
   void copyEdit(const char* operation) const;
   void validateMenus();

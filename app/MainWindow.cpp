@@ -4,7 +4,6 @@
 #include "desktop/Palette.h"
 
 #include <QCloseEvent>
-#include <QMenuBar>
 #include <QMoveEvent>
 #include <QPainter>
 
@@ -29,12 +28,11 @@ void MainWindow::setBackdropVisible(bool visible) {
   update();
 }
 
-void MainWindow::setFrame(const QRect& frame) {
+void MainWindow::place(const QPoint& corner, const QSize& size) {
   sinceProgramMove.restart();
-  placed = frame.topLeft();
-  const QSize decorations = frameGeometry().size() - size();
-  setFixedSize(frame.size() - decorations);
-  move(frame.topLeft());
+  placed = corner;
+  setFixedSize(size);
+  move(corner);
 }
 
 void MainWindow::paintEvent(QPaintEvent*) {
@@ -46,8 +44,20 @@ void MainWindow::paintEvent(QPaintEvent*) {
 
 void MainWindow::moveEvent(QMoveEvent* event) {
   QMainWindow::moveEvent(event);
+  checkDecorations();
   if (!isVisible() || sinceProgramMove.elapsed() < settling || pos() == placed) return;
   Q_EMIT movedByUser();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  checkDecorations();
+}
+
+void MainWindow::checkDecorations() {
+  if (seenDecorations == decorations()) return;
+  seenDecorations = decorations();
+  Q_EMIT decorated();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -2,7 +2,6 @@
 
 #include <QElapsedTimer>
 #include <QMainWindow>
-#include <functional>
 
 namespace zarnet {
 
@@ -14,29 +13,34 @@ class MainWindow : public QMainWindow {
  public:
   MainWindow();
 
-  /// Whether the backdrop is translucent while it is shown; fixed when the window is made.
-  bool isTranslucent() const { return translucent; }
-
-  /// Shows the translucent backdrop, or an opaque ground.
+  /// Shows the translucent backdrop, or an opaque ground; the ground also where no window can be translucent.
   void setBackdropVisible(bool visible);
 
-  /// Moves and sizes the window so that its frame, decorations included, is `frame`.
-  void setFrame(const QRect& frame);
+  /// What the window manager puts around the window; empty until it has done so.
+  QSize decorations() const { return frameGeometry().size() - size(); }
+  /// Moves the window, its decorations included, to a corner, and sizes it without them.
+  void place(const QPoint& corner, const QSize& size);
 
  Q_SIGNALS:
   void movedByUser();
+  /// The window manager has put something else around the window than before.
+  void decorated();
   void closed();
 
  protected:
   void paintEvent(QPaintEvent*) override;
   void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  const bool translucent;
+  void checkDecorations();
+
+  const bool translucent;  ///< the backdrop, while it is shown
   bool backdropVisible = false;
   QElapsedTimer sinceProgramMove;  ///< the toolkit reports the program's own moves, too, some time later
   QPoint placed;
+  QSize seenDecorations{0, 0};
 };
 
 }  // namespace zarnet

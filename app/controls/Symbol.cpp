@@ -1,10 +1,15 @@
 #include "app/controls/Symbol.h"
 
+#include "desktop/Palette.h"
+
 #include <QFile>
+#include <QGuiApplication>
 #include <QHash>
+#include <QIconEngine>
 #include <QPixmap>
 #include <QSvgRenderer>
 #include <memory>
+#include <utility>
 
 // A resource of a static library is linked only when somebody asks for it, outside any namespace.
 static void useSymbols() {
@@ -31,6 +36,27 @@ QSvgRenderer& renderer(const QString& name, const QColor& colour) {
   return *entry;
 }
 
+/// Draws the symbol anew each time, as large as it is asked for.
+class SymbolEngine : public QIconEngine {
+ public:
+  explicit SymbolEngine(QString symbol) : name(std::move(symbol)) {}
+
+  void paint(QPainter* painter, const QRect& square, QIcon::Mode, QIcon::State) override {
+    drawSymbol(*painter, name, square, tokens(QGuiApplication::palette()).text);
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    QPixmap result(size);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    paint(&painter, result.rect(), mode, state);
+    return result;
+  }
+  QIconEngine* clone() const override { return new SymbolEngine(name); }
+
+ private:
+  const QString name;
+};
+
 }  // namespace
 
 void drawSymbol(QPainter& painter, const QString& name, const QRectF& square, const QColor& colour) {
@@ -40,18 +66,8 @@ void drawSymbol(QPainter& painter, const QString& name, const QRectF& square, co
   painter.setOpacity(before);
 }
 
-QIcon symbolIcon(const QString& name, int points, const QColor& colour) {
-  QIcon icon;
-  for (const int scale : {1, 2, 3}) {
-    QPixmap pixmap(points * scale, points * scale);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    drawSymbol(painter, name, pixmap.rect(), colour);
-    painter.end();
-    pixmap.setDevicePixelRatio(scale);
-    icon.addPixmap(pixmap);
-  }
-  return icon;
+QIcon symbolIcon(const QString& name) {
+  return QIcon(new SymbolEngine(name));
 }
 
 }  // namespace zarnet

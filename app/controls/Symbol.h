@@ -12,7 +12,7 @@ namespace zarnet {
 /// at any scale. A name that does not exist draws nothing.
 void drawSymbol(QPainter& painter, const QString& name, const QRectF& square, const QColor& colour);
 
-/// The same as an icon of `points` × `points`, for menus.
-QIcon symbolIcon(const QString& name, int points, const QColor& colour);
+/// The same as an icon in the text colour of the application's palette, which it follows.
+QIcon symbolIcon(const QString& name);
 
 }  // namespace zarnet
