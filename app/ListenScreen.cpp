@@ -103,7 +103,10 @@ QWidget* NativeRoot::currentTrack() {
   follow([this, artwork, title, artist, album] {
     const std::optional<Song> song = model.current();
     if (!song) return;
-    screens[Stage::listen].widget->setAccessibleName(QStringLiteral("Blind comparison: ") + song->title);
+    screens[Stage::listen].widget->setAccessibleName((*model.stage == Stage::reveal
+                                                          ? QStringLiteral("Revealed: ")
+                                                          : QStringLiteral("Blind comparison: ")) +
+                                                     song->title);
     artwork->setImage(song->artwork.value_or(QImage()));
     title->setText(song->trackTitle);
     artist->setText(song->artist.value_or(QString()));

@@ -1,8 +1,10 @@
 #include "app/controls/Accessibility.h"
 
+#include "app/controls/Artwork.h"
 #include "app/controls/ClockText.h"
 #include "app/controls/SideCard.h"
 #include "app/controls/Spinner.h"
+#include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 
 #include <QAccessible>
@@ -33,6 +35,18 @@ class SelectableInterface : public QAccessibleWidget {
   SelectableButton* button() const { return static_cast<SelectableButton*>(widget()); }
 };
 
+/// Something for the eye only, which screen readers pass over.
+class DecorationInterface : public QAccessibleWidget {
+ public:
+  explicit DecorationInterface(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Graphic) {}
+
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.invisible = true;
+    return state;
+  }
+};
+
 QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
   if (auto* button = qobject_cast<SelectableButton*>(object)) return new SelectableInterface(button);
   if (auto* text = qobject_cast<Text*>(object)) return new QAccessibleWidget(text, QAccessible::StaticText);
@@ -40,6 +54,9 @@ QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
     return new QAccessibleWidget(clock, QAccessible::StaticText);
   if (auto* spinner = qobject_cast<Spinner*>(object))
     return new QAccessibleWidget(spinner, QAccessible::ProgressBar);
+  if (auto* artwork = qobject_cast<Artwork*>(object))
+    return new QAccessibleWidget(artwork, QAccessible::Graphic);
+  if (auto* symbol = qobject_cast<SymbolView*>(object)) return new DecorationInterface(symbol);
   return nullptr;
 }
 

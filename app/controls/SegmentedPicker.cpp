@@ -15,6 +15,7 @@ class Segment : public ButtonBase {
   Segment(const QString& label, QWidget* parent) : ButtonBase(parent) {
     setText(label);
     setCheckable(true);
+    setAutoExclusive(true);
     setFont(textFont(TextStyle::button));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   }
