@@ -160,9 +160,11 @@ void NativeRoot::announce() {
   // A screen reader speaks the new screen's name, and goes on from its first control.
   QAccessibleEvent event(shown->widget, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
-  if (QWidget* first = firstFocus[model.stage]; first != nullptr && first->isEnabled()) {
-    first->setFocus(Qt::OtherFocusReason);
-  }
+  focusFirst();
+}
+
+void NativeRoot::focusFirst() {
+  if (QWidget* first = firstFocus[model.stage]; first != nullptr) first->setFocus(Qt::OtherFocusReason);
 }
 
 void NativeRoot::showSheets() {
@@ -178,6 +180,7 @@ void NativeRoot::showSheets() {
     busySheet->close();
     busySheet->deleteLater();
     busySheet = nullptr;
+    focusFirst();  // what had the focus was disabled meanwhile
   }
   if (model.error->has_value() && alert == nullptr && busySheet == nullptr) {
     alert = new AlertSheet(window(), QStringLiteral("Zarnet"), **model.error, {QStringLiteral("OK")});

@@ -85,6 +85,7 @@ class NativeRoot : public QWidget {
   Screen& screenOf(Stage stage);
   void showScreen();
   void announce();
+  void focusFirst();
   void showSheets();
   void reportHeight();
   void setLoopStart();
