@@ -10,6 +10,7 @@
 #include <QHBoxLayout>
 #include <QMetaObject>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <array>
 
 namespace zarnet {
@@ -56,7 +57,7 @@ NativeSettings::NativeSettings(NativeModel& ofModel, QWidget* parent)
 
   auto* group = new RoundedPanel(12);
   auto* rows = new QVBoxLayout(group);
-  rows->setContentsMargins(16, 12, 16, 12);
+  rows->setContentsMargins(12, 12, 12, 12);
   rows->setSpacing(12);
   rows->addLayout(themeRow);
   rows->addWidget(new Divider);

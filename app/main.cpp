@@ -32,7 +32,6 @@ bool isSet(const char* variable) {
 int main(int argc, char** argv) {
   std::vector<std::filesystem::path> files;
   bool options = true;
-  // The toolkit takes its own options out of the list, so ours are read from a copy of what was typed.
   for (int i = 1; i < argc; ++i) {
     const std::string argument = argv[i];
     if (options && argument == "--help") return std::fputs(usage, stdout) < 0;
@@ -53,7 +52,7 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  int toolkitArguments = 1;
+  int toolkitArguments = 1;  // none of what was typed: it would take options of its own out
   QApplication application(toolkitArguments, argv);
   QApplication::setApplicationName(QStringLiteral("Zarnet"));
   QApplication::setApplicationVersion(QStringLiteral(ZARNET_VERSION));
