@@ -5,8 +5,6 @@
 #include "tests/support/Wait.h"
 
 #include <atomic>
-#include <chrono>
-#include <cstdint>
 #include <span>
 #include <string>
 #include <thread>
@@ -15,26 +13,15 @@
 
 #include <gtest/gtest.h>
 
-namespace zarnet {
-
-namespace {
-
-using test::PulseServer;
-using test::waitUntil;
+namespace zarnet::test {
 
 TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
   const std::vector<std::string> noSinks;
-  PulseServer empty(noSinks);
-  PulseServer dummy(noSinks);
-  dummy.loadModule({"module-always-sink"});
-  PulseServer frozen;
+  const PulseServer empty(noSinks);
+  const PulseServer dummy(noSinks);
+  dummy.control("load-module module-always-sink");
+  const PulseServer frozen;
   frozen.freeze();
-  const std::pair<std::string, std::string> cases[] = {
-      {"unix:/nonexistent/socket", "The audio server could not be reached: Connection refused."},
-      {empty.address(), "The audio server refused the stream: No such entity."},
-      {dummy.address(), "There is no output device."},
-      {frozen.address(), "The audio server does not answer."},
-  };
   std::atomic<std::int64_t> pulled = 0;
   const auto makeEngine = [&](const std::string& server) {
     auto engine = makeAudioEngine(server);
@@ -42,12 +29,15 @@ TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
                     [](std::uint64_t) {});
     return engine;
   };
+  const std::pair<std::string, std::string> cases[] = {
+      {"unix:/nonexistent/socket", "The audio server could not be reached: Connection refused."},
+      {empty.address(), "The audio server refused the stream: No such entity."},
+      {dummy.address(), "There is no output device."},
+      {frozen.address(), "The audio server does not answer."},
+  };
   for (const auto& [address, reason] : cases) {
     const auto engine = makeEngine(address);
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(test::failureOf<PlatformError>([&] { engine->start(1); }),
-              "No audio output is available. " + reason);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10)) << reason;
+    EXPECT_EQ(failureOf<PlatformError>([&] { engine->start(1); }), "No audio output is available. " + reason);
     EXPECT_FALSE(engine->isRunning()) << reason;
   }
   EXPECT_EQ(pulled, 0);
@@ -58,7 +48,7 @@ TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
 }
 
 TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
-  PulseServer server({"first", "second"});
+  const PulseServer server({"first", "second"});
   const auto engine = makeAudioEngine(server.address());
   engine->connect([](bool&, std::span<float* const>, std::int64_t) {}, [](std::uint64_t) {});
   std::atomic<bool> done = false;
@@ -68,7 +58,7 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   });
   std::string reason;
   EXPECT_TRUE(waitUntil([&] {
-    reason = test::failureOf<PlatformError>([&] { engine->start(1); });
+    reason = failureOf<PlatformError>([&] { engine->start(1); });
     EXPECT_TRUE(reason.empty() || !engine->isRunning());
     engine->stop();
     return !reason.empty();
@@ -78,6 +68,4 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   changes.join();
 }
 
-}  // namespace
-
-}  // namespace zarnet
+}  // namespace zarnet::test

@@ -1,16 +1,31 @@
 #pragma once
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QTimer>
 #include <chrono>
-#include <functional>
 
 namespace zarnet::test {
 
 /// Runs the event loop of this thread until the condition holds; false when it still does not after `limit`.
 /// Requires: an application object.
-bool eventually(const std::function<bool()>& condition,
-                std::chrono::seconds limit = std::chrono::seconds(60));
+template <typename Condition>
+bool eventually(const Condition& condition, std::chrono::seconds limit = std::chrono::seconds(60)) {
+  const QDeadlineTimer deadline(limit);
+  QTimer look;  // the condition may come true without an event
+  look.start(std::chrono::milliseconds(5));
+  while (!condition()) {
+    if (deadline.hasExpired()) return false;
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  }
+  return true;
+}
 
 /// Runs everything that the event loop has waiting.
-void runPendingEvents();
+inline void runPendingEvents() {
+  QCoreApplication::sendPostedEvents();
+  QCoreApplication::processEvents();
+}
 
 }  // namespace zarnet::test

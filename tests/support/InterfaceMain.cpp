@@ -1,7 +1,6 @@
 // The entry of test programs that need an application object: one of the "offscreen" platform, apart from the
 // user's settings and desktop.
 
-#include "tests/support/QtSuppressions.h"
 #include "tests/support/ScratchFolder.h"
 
 #include <QGuiApplication>

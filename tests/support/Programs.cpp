@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -14,78 +15,21 @@
 
 namespace zarnet::test {
 
-namespace {
-
-/// Starts a program with an empty standard input and returns its process number; −1 fails the test.
-template <typename Arrange>
-pid_t spawn(const std::vector<std::string>& commandLine, Arrange arrange) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  arrange(&actions);
-  std::vector<char*> arguments;
-  arguments.reserve(commandLine.size() + 1);
-  for (const std::string& argument : commandLine)
-    arguments.push_back(const_cast<char*>(argument.c_str()));
-  arguments.push_back(nullptr);
-  pid_t child = -1;
-  const int error = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error == 0) return child;
-  ADD_FAILURE() << "could not start " << commandLine[0];
-  return -1;
-}
-
-/// The exit status, or 128 + signal.
-int plainStatus(int status) {
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-}  // namespace
-
 ProgramResult runProgram(const std::vector<std::string>& commandLine) {
-  ScratchFolder scratch;
-  const std::string output = (scratch / "out").string();
-  const std::string errors = (scratch / "err").string();
-  const pid_t child = spawn(commandLine, [&](posix_spawn_file_actions_t* actions) {
-    posix_spawn_file_actions_addopen(actions, STDOUT_FILENO, output.c_str(), O_CREAT | O_WRONLY, 0600);
-    posix_spawn_file_actions_addopen(actions, STDERR_FILENO, errors.c_str(), O_CREAT | O_WRONLY, 0600);
-  });
-  if (child == -1) return {127, "", ""};
-  int status = 0;
-  waitpid(child, &status, 0);
-  return {plainStatus(status), readFile(output), readFile(errors)};
+  const ScratchFolder scratch;
+  std::vector<std::string> redirected = {"sh", "-c", R"(exec "$@" >"$0/output" 2>"$0/errors")",
+                                         scratch.path().string()};
+  redirected.insert(redirected.end(), commandLine.begin(), commandLine.end());
+  RunningProgram program(redirected);
+  const int status = program.exitStatus(std::chrono::hours(1)).value_or(-1);
+  EXPECT_NE(status, 127) << "could not start " << commandLine[0];
+  return {status, readFile(scratch / "output"), readFile(scratch / "errors")};
 }
 
-RunningProgram::RunningProgram(const std::vector<std::string>& commandLine, int output) {
-  std::vector<std::string> guarded = {"setpriv", "--pdeathsig", "KILL"};
-  guarded.insert(guarded.end(), commandLine.begin(), commandLine.end());
-  child = spawn(guarded, [&](posix_spawn_file_actions_t* actions) {
-    posix_spawn_file_actions_addopen(actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    if (output == -1) {
-      posix_spawn_file_actions_addopen(actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    } else {
-      posix_spawn_file_actions_adddup2(actions, output, STDOUT_FILENO);
-    }
-  });
-}
-
-RunningProgram::~RunningProgram() {
-  if (child == -1 || status) return;
-  sendSignal(SIGKILL);
-  waitpid(child, nullptr, 0);
-}
-
-void RunningProgram::sendSignal(int number) const {
-  if (child != -1 && !status) kill(child, number);
-}
-
-std::optional<int> RunningProgram::exitStatus(std::chrono::seconds limit) {
-  if (child == -1 || status) return status;
-  int ending = 0;
-  if (waitUntil([&] { return waitpid(child, &ending, WNOHANG) == child; }, limit))
-    status = plainStatus(ending);
-  return status;
+void runScript(const std::filesystem::path& folder, const std::string& script) {
+  const std::string prelude = "set -e; cd \"$0\"; ffmpeg() { command ffmpeg -y -v error \"$@\"; }\n";
+  const ProgramResult result = runProgram({"sh", "-c", prelude + script, folder.string()});
+  EXPECT_EQ(result.status, 0) << script << "\n" << result.errors;
 }
 
 void ffmpeg(const std::vector<std::string>& arguments) {
@@ -93,6 +37,39 @@ void ffmpeg(const std::vector<std::string>& arguments) {
   commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
   const ProgramResult result = runProgram(commandLine);
   EXPECT_EQ(result.status, 0) << testing::PrintToString(arguments) << "\n" << result.errors;
+}
+
+RunningProgram::RunningProgram(const std::vector<std::string>& commandLine, int output) {
+  std::vector<std::string> words = {"setpriv", "--pdeathsig", "KILL"};
+  words.insert(words.end(), commandLine.begin(), commandLine.end());
+  std::vector<char*> arguments;
+  for (std::string& word : words)
+    arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+  if (output != -1) posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+  const int error = posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  if (error != 0) throw std::runtime_error("no program can be started");
+}
+
+RunningProgram::~RunningProgram() {
+  sendSignal(SIGKILL);
+  exitStatus(std::chrono::hours(1));
+}
+
+void RunningProgram::sendSignal(int number) const {
+  if (!status) kill(child, number);
+}
+
+std::optional<int> RunningProgram::exitStatus(std::chrono::seconds limit) {
+  int ending = 0;
+  if (!status && waitUntil([&] { return waitpid(child, &ending, WNOHANG) == child; }, limit))
+    status = WIFEXITED(ending) ? WEXITSTATUS(ending) : 128 + WTERMSIG(ending);
+  return status;
 }
 
 std::filesystem::path resource(const std::string& name) {

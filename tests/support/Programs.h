@@ -20,12 +20,19 @@ struct ProgramResult {
 /// started.
 ProgramResult runProgram(const std::vector<std::string>& commandLine);
 
+/// Runs a shell script in a folder and fails the test unless it succeeds. In it, `ffmpeg` overwrites files
+/// and prints nothing but errors.
+void runScript(const std::filesystem::path& folder, const std::string& script);
+
+/// Runs `ffmpeg -y -v error` with these arguments and fails the test unless it succeeds: makes any container.
+void ffmpeg(const std::vector<std::string>& arguments);
+
 /// A program that runs beside the test. It is killed and reaped at the end of its scope, and dies with the
-/// test's process, however that ends.
+/// thread that started it, however that ends.
 class RunningProgram {
  public:
   /// Starts the program, found on PATH. Its standard output goes to the open file `output`, or nowhere when
-  /// that is −1; its standard error goes nowhere. Fails the test when it cannot be started.
+  /// that is −1; its standard error goes nowhere.
   explicit RunningProgram(const std::vector<std::string>& commandLine, int output = -1);
   ~RunningProgram();
   RunningProgram(const RunningProgram&) = delete;
@@ -41,9 +48,6 @@ class RunningProgram {
   pid_t child = -1;
   std::optional<int> status;
 };
-
-/// Runs `ffmpeg -y -v error` with these arguments and fails the test unless it succeeds: makes any container.
-void ffmpeg(const std::vector<std::string>& arguments);
 
 /// A program of the build's resources folder: "lame", "afconvert" or "vorbis-tool".
 std::filesystem::path resource(const std::string& name);

@@ -3,12 +3,10 @@
 #include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"
 
+#include <csignal>
 #include <cstddef>
-#include <map>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zarnet::test {
@@ -19,33 +17,30 @@ namespace zarnet::test {
 class PulseServer {
  public:
   /// Starts a server with these null sinks; the first becomes the default one.
-  explicit PulseServer(const std::vector<std::string>& sinks = {"null"});
-  ~PulseServer();
+  explicit PulseServer(const std::vector<std::string>& names = {"null"}) : sinks(names) { start(); }
 
   /// For `makeAudioEngine`, and for the environment variable PULSE_SERVER.
-  std::string address() const;
+  std::string address() const { return "unix:" + (folder / "socket").string(); }
 
-  void addSink(const std::string& name);
-  void removeSink(const std::string& name);
-  void setDefaultSink(const std::string& name);
-  void suspendSink(const std::string& name, bool suspended);
-  /// Loads any module, given as on the command line of `pactl load-module`; returns its number.
-  std::string loadModule(const std::vector<std::string>& moduleAndArguments);
+  /// Runs a command of the program `pactl`.
+  void control(const std::string& command) const;
+  void removeSink(const std::string& name) const;
+  void setDefaultSink(const std::string& name) const { control("set-default-sink " + name); }
+  void suspendSink(const std::string& name, bool suspended) const {
+    control("suspend-sink " + name + (suspended ? " 1" : " 0"));
+  }
 
   /// Ends the server at once, as a crash does.
-  void kill();
+  void kill() { process.reset(); }
   /// Starts it again after `kill`, with the sinks of the construction.
   void start();
   /// Stops the server's process without ending it, so that it answers nothing, and wakes it up again.
-  void freeze();
-  void thaw();
+  void freeze() const { process->sendSignal(SIGSTOP); }
+  void thaw() const { process->sendSignal(SIGCONT); }
 
  private:
-  std::string pactl(const std::vector<std::string>& arguments);
-
-  ScratchFolder folder;
-  const std::vector<std::string> initialSinks;
-  std::map<std::string, std::string> moduleOfSink;
+  const ScratchFolder folder;
+  const std::vector<std::string> sinks;
   std::unique_ptr<RunningProgram> process;
 };
 
@@ -54,24 +49,21 @@ class MonitorRecorder {
  public:
   /// Returns once the recording runs.
   MonitorRecorder(const PulseServer& server, const std::string& sink);
-  ~MonitorRecorder();
-  MonitorRecorder(const MonitorRecorder&) = delete;
-  MonitorRecorder& operator=(const MonitorRecorder&) = delete;
 
   /// What has been recorded so far, interleaved. Frames that the server had nothing to play for are zeros.
-  std::vector<float> samples() const;
+  std::vector<float> samples() const { return samplesFrom(0, count()); }
   /// Number of frames recorded so far.
-  std::size_t count() const;
+  std::size_t count() const { return std::filesystem::file_size(file) / frameBytes; }
   /// The left sample of the last frame recorded; 0 before the first.
   float last() const;
 
  private:
-  void read(int descriptor);
+  static constexpr std::size_t frameBytes = 2 * sizeof(float);
+  std::vector<float> samplesFrom(std::size_t frame, std::size_t frames) const;
 
-  mutable std::mutex lock;
-  std::vector<float> recorded;  // guarded by `lock`
-  std::unique_ptr<RunningProgram> process;
-  std::thread reader;
+  const ScratchFolder folder;
+  const std::filesystem::path file = writeFile(folder / "recorded", "");
+  RunningProgram process;
 };
 
 }  // namespace zarnet::test

@@ -1,7 +1,14 @@
 #pragma once
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
 #include <string_view>
+
+#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -9,8 +16,15 @@ namespace zarnet::test {
 class ScratchFolder {
  public:
   /// Lies in `parent`, or in the system's temporary folder.
-  explicit ScratchFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
-  ~ScratchFolder();
+  explicit ScratchFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string name = (parent / "zarnet-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no scratch folder: " + name);
+    folder = name;
+  }
+  ~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+  }
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
 
@@ -22,10 +36,18 @@ class ScratchFolder {
   std::filesystem::path folder;
 };
 
-/// Writes a small file with exactly this content and returns its location.
-std::filesystem::path writeFile(const std::filesystem::path& path, std::string_view content);
+/// Writes a file with exactly this content and returns its location.
+inline std::filesystem::path writeFile(const std::filesystem::path& path, std::string_view content) {
+  std::ofstream file(path, std::ios::binary);
+  EXPECT_TRUE(file << content << std::flush) << "could not write " << path;
+  return path;
+}
 
 /// The whole content of a file; fails the test when it cannot be read.
-std::string readFile(const std::filesystem::path& path);
+inline std::string readFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << "could not read " << path;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 }  // namespace zarnet::test

@@ -1,13 +1,18 @@
 #include "tests/support/Signals.h"
 
+#include "platform/AudioFileReader.h"
+#include "platform/VectorMath.h"
 #include "tests/support/ScratchFolder.h"
+#include "tests/support/TagBytes.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <numbers>
 #include <random>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -18,46 +23,23 @@ Signal silence(double rate, int channels, std::int64_t frames) {
                             std::vector<float>(static_cast<std::size_t>(frames)))};
 }
 
-template <typename Number>
-void append(std::string& bytes, Number value, std::size_t size = sizeof(Number)) {
-  char raw[sizeof(Number)];
-  std::memcpy(raw, &value, sizeof raw);
-  bytes.append(raw, size);
-}
-
-void appendSample(std::string& bytes, float sample, SampleType type) {
-  const auto rounded = [&](double scale) {
-    return static_cast<std::int32_t>(std::clamp(std::nearbyint(sample * scale), -scale, scale - 1));
-  };
-  switch (type) {
-    case SampleType::int16:
-      return append(bytes, rounded(0x1p15), 2);
-    case SampleType::int24:
-      return append(bytes, rounded(0x1p23), 3);
-    case SampleType::int32:
-      return append(bytes, rounded(0x1p31), 4);
-    case SampleType::float32:
-      return append(bytes, sample);
-  }
-}
-
 /// Everything before the samples.
 std::string waveHeader(std::uint32_t rate, std::uint16_t channels, std::uint16_t bits, std::uint32_t frames,
                        std::uint16_t formatTag) {
-  const std::uint32_t frameBytes = std::uint32_t{channels} * bits / 8;
-  std::string bytes = "RIFF";
-  append(bytes, frames * frameBytes + 36);
-  bytes += "WAVEfmt ";
-  append(bytes, std::uint32_t{16});
-  append(bytes, formatTag);
-  append(bytes, channels);
-  append(bytes, rate);
-  append(bytes, rate * frameBytes);
-  append(bytes, static_cast<std::uint16_t>(frameBytes));
-  append(bytes, bits);
-  bytes += "data";
-  append(bytes, frames * frameBytes);
-  return bytes;
+  const std::uint32_t frameBytes = channels * bits / 8u;
+  return "RIFF" + littleEndian(frames * frameBytes + 36, 4) + "WAVE" +
+         riffChunk("fmt ", littleEndian(formatTag, 2) + littleEndian(channels, 2) + littleEndian(rate, 4) +
+                               littleEndian(rate * frameBytes, 4) + littleEndian(frameBytes, 2) +
+                               littleEndian(bits, 2)) +
+         "data" + littleEndian(frames * frameBytes, 4);
+}
+
+/// The sample as a file of that type has it, in the lower bits.
+std::uint32_t stored(float sample, int bits, SampleType type) {
+  if (type == SampleType::float32) return std::bit_cast<std::uint32_t>(sample);
+  const double scale = std::ldexp(1.0, bits - 1);
+  return static_cast<std::uint32_t>(
+      static_cast<std::int32_t>(std::clamp(std::nearbyint(sample * scale), -scale, scale - 1)));
 }
 
 }  // namespace
@@ -66,9 +48,8 @@ Signal sine(double rate, int channels, std::int64_t frames, double frequency, do
   Signal signal = silence(rate, channels, frames);
   for (auto& plane : signal.planes) {
     for (std::size_t i = 0; i < plane.size(); ++i) {
-      plane[i] =
-          static_cast<float>(amplitude * std::sin(2 * std::numbers::pi *
-                                                  std::fmod(static_cast<double>(i) * frequency / rate, 1.0)));
+      const double turns = std::fmod(static_cast<double>(i) * frequency / rate, 1.0);
+      plane[i] = static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * turns));
     }
   }
   return signal;
@@ -78,44 +59,28 @@ Signal noise(double rate, int channels, std::int64_t frames, double amplitude, s
   Signal signal = silence(rate, channels, frames);
   std::mt19937 random(seed);
   for (auto& plane : signal.planes) {
-    for (float& sample : plane) {
+    for (float& sample : plane)
       sample = static_cast<float>(amplitude * (static_cast<double>(random()) / 0x1p31 - 1));
-    }
   }
   return signal;
 }
 
 Signal music(double rate, int channels, double seconds, std::uint32_t seed) {
-  const auto frames = static_cast<std::int64_t>(seconds * rate);
-  Signal signal = noise(rate, channels, frames, 0.003, seed);
+  Signal signal = noise(rate, channels, static_cast<std::int64_t>(seconds * rate), 0.006, seed);
   std::mt19937 engine(seed);
-  const auto random = [&](std::uint32_t below) {
-    return static_cast<double>(static_cast<std::uint32_t>(engine()) % below);
-  };
+  const auto below = [&](std::uint32_t limit) { return static_cast<int>(engine() % limit); };
   for (auto& plane : signal.planes) {
-    for (double start = 0; start < seconds; start += 0.17 + 0.0001 * random(900)) {
-      const double pitch = 82.4 * std::exp2(random(36) / 12.0);
-      const double level = 0.06 + 0.0001 * random(900);
+    for (double start = 0; start < seconds; start += 0.17 + 0.0001 * below(900)) {
+      const double pitch = 2 * std::numbers::pi * 82.4 * std::exp2(below(36) / 12.0);
+      const double level = 0.15 + 0.0002 * below(900);
       const auto first = static_cast<std::size_t>(start * rate);
-      const auto last = std::min(plane.size(), first + static_cast<std::size_t>(0.9 * rate));
-      for (int harmonic = 1; harmonic <= 9 && pitch * harmonic < 0.45 * rate; ++harmonic) {
-        const double step = 2 * std::numbers::pi * pitch * harmonic / rate;
-        for (std::size_t i = first; i < last; ++i) {
-          const double age = static_cast<double>(i - first);
-          plane[i] += static_cast<float>(level / harmonic * std::exp(-3.5 * harmonic * age / rate) *
-                                         std::sin(step * age));
-        }
+      for (std::size_t i = first; i < std::min(plane.size(), first + 40'000); ++i) {
+        const double age = static_cast<double>(i - first) / rate;
+        for (int harmonic = 1; harmonic <= 9; ++harmonic)
+          plane[i] += static_cast<float>(level / harmonic * std::exp(-3.5 * harmonic * age) *
+                                         std::sin(pitch * harmonic * age));
       }
     }
-  }
-  float peak = 0;
-  for (const auto& plane : signal.planes) {
-    for (const float sample : plane)
-      peak = std::max(peak, std::abs(sample));
-  }
-  for (auto& plane : signal.planes) {
-    for (float& sample : plane)
-      sample *= 0.7f / peak;
   }
   return signal;
 }
@@ -135,10 +100,11 @@ std::filesystem::path writeWave(const std::filesystem::path& path, const Signal&
   const auto frames = static_cast<std::uint32_t>(signal.count());
   std::string bytes = waveHeader(static_cast<std::uint32_t>(signal.rate), channels, bits, frames,
                                  type == SampleType::float32 ? 3 : 1);
-  bytes.reserve(bytes.size() + std::size_t{frames} * channels * bits / 8);
   for (std::size_t i = 0; i < frames; ++i) {
-    for (const auto& plane : signal.planes)
-      appendSample(bytes, plane[i], type);
+    for (const auto& plane : signal.planes) {
+      const std::uint32_t sample = stored(plane[i], bits, type);
+      bytes.append(reinterpret_cast<const char*>(&sample), bits / 8u);
+    }
   }
   return writeFile(path, bytes);
 }
@@ -150,6 +116,32 @@ std::filesystem::path writeHollowWave(const std::filesystem::path& path, std::ui
   writeFile(path, header);
   std::filesystem::resize_file(path, header.size() + std::uintmax_t{frames} * channels * bits / 8);
   return path;
+}
+
+Signal readSignal(const std::filesystem::path& path) {
+  constexpr std::size_t piece = 7'919;
+  AudioFileReader reader(path);
+  Signal signal{reader.processingRate(), std::vector<std::vector<float>>(reader.processingChannels())};
+  std::vector<std::vector<float>> part(signal.planes.size(), std::vector<float>(piece));
+  std::vector<float*> targets;
+  for (auto& plane : part)
+    targets.push_back(plane.data());
+  while (const std::int64_t delivered = reader.read(targets.data(), piece)) {
+    for (std::size_t channel = 0; channel < part.size(); ++channel)
+      signal.planes[channel].insert(signal.planes[channel].end(), targets[channel],
+                                    targets[channel] + delivered);
+  }
+  EXPECT_EQ(reader.length(), signal.count()) << path;
+  return signal;
+}
+
+std::int64_t lag(const std::vector<float>& earlier, const std::vector<float>& later) {
+  constexpr std::int64_t range = 50;
+  const auto count = static_cast<std::int64_t>(std::min(earlier.size(), later.size())) - 2 * range;
+  std::vector<float> matches;
+  for (std::int64_t shift = -range; shift <= range; ++shift)
+    matches.push_back(dotProduct(earlier.data() + range, later.data() + range + shift, 1, count));
+  return std::ranges::max_element(matches) - matches.begin() - range;
 }
 
 }  // namespace zarnet::test

@@ -41,4 +41,11 @@ std::filesystem::path writeHollowWave(const std::filesystem::path& path, std::ui
                                       std::uint16_t channels, std::uint16_t bits, std::uint32_t frames,
                                       std::uint16_t formatTag = 1);
 
+/// All that a file holds, read in pieces that do not divide its length. Fails the test when `length` is not
+/// the number of frames that arrive. Raises what the reader raises.
+Signal readSignal(const std::filesystem::path& path);
+
+/// By how many frames `later` lags behind `earlier`, from −50 to 50. Requires: more than 100 frames.
+std::int64_t lag(const std::vector<float>& earlier, const std::vector<float>& later);
+
 }  // namespace zarnet::test

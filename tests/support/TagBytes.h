@@ -3,42 +3,24 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zarnet::test {
 
-// The pieces of tagged files, byte for byte.
+inline std::string bigEndian(std::uint64_t number, int bytes) {
+  std::string result;
+  for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+    result += static_cast<char>(number >> shift & 0xFF);
+  return result;
+}
 
-std::string bigEndian(std::uint64_t number, int bytes);
-std::string littleEndian(std::uint64_t number, int bytes);
+inline std::string littleEndian(std::uint64_t number, int bytes) {
+  const std::string reversed = bigEndian(number, bytes);
+  return {reversed.rbegin(), reversed.rend()};
+}
 
-/// A chunk of a RIFF or IFF file, padded to an even size.
-std::string riffChunk(std::string_view id, std::string_view content);
-std::string iffChunk(std::string_view id, std::string_view content);
-
-/// A WAVE or AIFF file around these chunks. There is no sound in it.
-std::string waveFile(std::string_view chunks);
-std::string aiffFile(std::string_view chunks);
-
-/// An atom of an MPEG-4 file.
-std::string atom(std::string_view id, std::string_view content);
-/// An item of its list, with one "data" atom of that type (1 is UTF-8, 2 UTF-16, 13 JPEG).
-std::string listItem(std::string_view id, std::uint32_t type, std::string_view value);
-/// An MPEG-4 file around the items.
-std::string mpeg4File(std::string_view items);
-
-/// A frame of an ID3v2 tag of version 2.`version` and the tag around frames. `flags` are the frame's two
-/// bytes.
-std::string id3Frame(int version, std::string_view id, std::string_view content, std::uint16_t flags = 0);
-std::string id3Tag(int version, std::string_view frames);
-/// The content of a text frame in UTF-8 and of a picture frame.
-std::string id3Text(std::string_view text);
-std::string id3Picture(std::string_view picture, char kind = 3);
-
-/// A metadata block of a FLAC file: comments ("KEY=value") and pictures.
-std::string flacComments(const std::vector<std::string>& comments);
-std::string flacPicture(std::string_view picture, std::uint32_t kind = 3);
-/// A FLAC file with these blocks and no sound.
-std::string flacFile(std::string_view blocks);
+/// A chunk of a RIFF file, padded to an even size.
+inline std::string riffChunk(std::string_view id, const std::string& content) {
+  return std::string(id) + littleEndian(content.size(), 4) + content + std::string(content.size() % 2, '\0');
+}
 
 }  // namespace zarnet::test

@@ -1,88 +1,188 @@
-#include "platform/AudioFileReader.h"
+#include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
-#include "tests/tools/Afconvert.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <numbers>
+#include <string>
+#include <tuple>
+#include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace zarnet::test {
 
-TEST(Afconvert, KeepsEverySampleOfA48kHzStereoSource) {
-  const ScratchFolder scratch;
-  const Signal exact = counting(48000, 100'003);
-  Signal wild = noise(48000, 2, 50'001, 4, 1);
-  wild.planes[0][7] = -0.0f;
-  wild.planes[1][8] = 1e-42f;
-  const auto expectSame = [&](const std::filesystem::path& input, const Signal& source) {
-    EXPECT_EQ(readSignal(convertFile(input, scratch / "out.wav", toWave)).planes, source.planes) << input;
-    EXPECT_EQ(readSignal(convertFile(input, scratch / "out.caf", toCaf)).planes, source.planes) << input;
-  };
-  expectSame(writeWave(scratch / "int24.wav", exact, SampleType::int24), exact);
-  expectSame(writeWave(scratch / "float.wav", exact), exact);
-  expectSame(writeWave(scratch / "wild.wav", wild), wild);
+namespace {
+
+const std::string toWave = "-f WAVE -d LEF32@48000 -c 2 -r 127";
+const std::string toCaf = "-f caff -d LEF32@48000 -c 2";
+
+std::string toAac(int kbps) {
+  return "-f m4af -d aac -b " + std::to_string(kbps * 1000) + " -q 127 -s 0";
 }
 
-TEST(Afconvert, TurnsMonoIntoTwoEqualChannelsAtUnityGain) {
-  const ScratchFolder scratch;
-  Signal mono = counting(48000, 40'007);
-  mono.planes.pop_back();
-  const Signal exact = readSignal(convertFile(writeWave(scratch / "in.wav", mono), scratch / "a", toWave));
-  ASSERT_EQ(exact.planes.size(), 2u);
-  EXPECT_EQ(exact.planes[0], mono.planes[0]);
-  EXPECT_EQ(exact.planes[1], mono.planes[0]);
+/// Runs `afconvert`, with a limit that a command of the shell sets on what it may write. That holds for a
+/// message in a file as well, so the message goes through a pipe then.
+ProgramResult afconvert(const std::filesystem::path& input, const std::filesystem::path& output,
+                        const std::string& options, const std::string& limit = "") {
+  const std::string plain = "\"$@\" " + options;
+  const std::string limited = "set -o pipefail; { " + limit + "; " + plain + "; } 2>&1 | cat >&2";
+  return runProgram({"bash", "-c", limit.empty() ? plain : limited, "bash", resource("afconvert").string(),
+                     input.string(), output.string()});
+}
 
-  mono.rate = 44100;
-  const Signal stereo{44100, {mono.planes[0], mono.planes[0]}};
-  EXPECT_EQ(readSignal(convertFile(writeWave(scratch / "m.wav", mono), scratch / "m", toWave)).planes,
-            readSignal(convertFile(writeWave(scratch / "s.wav", stereo), scratch / "s", toWave)).planes);
+/// What a signal becomes.
+Signal converted(const Signal& signal, const std::string& options, SampleType type = SampleType::float32) {
+  const ScratchFolder scratch;
+  const auto input = writeWave(scratch / "in", signal, type);
+  const ProgramResult result = afconvert(input, scratch / "out", options);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output + result.errors, "");
+  return readSignal(scratch / "out");
+}
+
+void expectFailure(const ProgramResult& result, const std::string& message) {
+  EXPECT_EQ(result.status, 1) << message;
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, testing::HasSubstr(message));
+  EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+}
+
+}  // namespace
+
+TEST(Afconvert, KeepsEverySampleAt48kHzAndDoublesMonoAtUnityGain) {
+  const Signal exact = counting(48000, 100'003);
+  Signal wild = noise(48000, 2, 50'001, 4, 1);
+  wild.planes[1][8] = 1e-42f;
+  const Signal mono{48000, {exact.planes[0]}};
+  for (const std::string& options : {toWave, toCaf}) {
+    EXPECT_EQ(converted(exact, options, SampleType::int24).planes, exact.planes);
+    EXPECT_EQ(converted(wild, options).planes, wild.planes);
+    EXPECT_EQ(converted(mono, options).planes, std::vector(2, mono.planes[0]));
+  }
+  const Signal resampled = converted(Signal{44100, {exact.planes[0]}}, toWave);
+  EXPECT_EQ(resampled.planes, converted(Signal{44100, std::vector(2, exact.planes[0])}, toWave).planes);
 }
 
 TEST(Afconvert, GivesTheRoundedNumberOfFramesAtEveryRate) {
-  const ScratchFolder scratch;
-  for (const int rate : {8000, 16000, 44100, 48000, 96000}) {
+  for (const int rate : {8000, 16000, 44100, 96000}) {
     for (const int frames : {0, 1, 16385, 60'001}) {
-      const auto input = writeWave(scratch / "in.wav", noise(rate, 1, frames, 0.5, 3), SampleType::int16);
-      AudioFileReader output(convertFile(input, scratch / "out", rate == 16000 ? toCaf : toWave));
-      EXPECT_NEAR(static_cast<double>(output.length()), std::round(frames * 48000.0 / rate), 1)
-          << frames << " at " << rate;
-      EXPECT_EQ(output.processingRate(), 48000);
+      const Signal output = converted(noise(rate, 1, frames, 0.5, 3), rate == 16000 ? toCaf : toWave);
+      EXPECT_EQ(output.rate, 48000);
+      EXPECT_NEAR(static_cast<double>(output.count()), std::round(frames * 48000.0 / rate), 1) << rate;
     }
   }
 }
 
 // Against the ideal sine at the output rate, so that gain, position in time and every distortion count.
 TEST(Afconvert, KeepsASineInItsPlaceAndShape) {
-  const ScratchFolder scratch;
-  const struct {
-    Words options;
-    double rate;
-    double frequency;
-    double least;  ///< signal to error, dB
-  } table[] = {{toWave, 44100, 997, 130},
-               {toWave, 44100, 19'000, 130},
-               {toWave, 96000, 19'000, 130},
-               {toWave, 8000, 3'000, 130},
-               {toCaf, 16000, 7'000, 110}};
-  const double amplitude = std::pow(10, -1 / 20.0);
-  for (const auto& [options, rate, frequency, least] : table) {
-    const auto input =
-        writeWave(scratch / "in.wav", sine(rate, 2, static_cast<std::int64_t>(rate), frequency, amplitude));
-    for (const auto& plane : readSignal(convertFile(input, scratch / "out", options)).planes) {
+  const std::tuple<std::string, double, double, double> table[] = {
+      {toWave, 44100, 997, 130},    {toWave, 44100, 10'000, 130}, {toWave, 44100, 19'000, 130},
+      {toWave, 96000, 19'000, 130}, {toWave, 8000, 3'000, 130},   {toCaf, 16000, 7'000, 110},
+  };
+  for (const auto& [options, rate, frequency, leastDecibels] : table) {
+    const double amplitude = std::pow(10, -1 / 20.0);
+    const Signal source = sine(rate, 2, static_cast<std::int64_t>(rate), frequency, amplitude);
+    const auto ideal = sine(48000, 1, 48'000, frequency, amplitude).planes[0];
+    for (const auto& plane : converted(source, options).planes) {
       double signal = 0;
       double error = 0;
       // A sine that starts and ends is no sine there.
       for (std::size_t i = 4800; i + 4800 < plane.size(); ++i) {
-        const double turns = std::fmod(static_cast<double>(i) * frequency / 48000, 1.0);
-        const double ideal = amplitude * std::sin(2 * std::numbers::pi * turns);
-        signal += ideal * ideal;
-        error += (plane[i] - ideal) * (plane[i] - ideal);
+        signal += double{ideal[i]} * ideal[i];
+        error += std::pow(double{plane[i]} - ideal[i], 2);
       }
-      EXPECT_GT(10 * std::log10(signal / error), least) << frequency << " Hz from " << rate << " Hz";
+      EXPECT_GT(10 * std::log10(signal / error), leastDecibels) << frequency << " Hz from " << rate << " Hz";
     }
+  }
+}
+
+TEST(Afconvert, EncodesAacNearTheNominalBitrateAndKeepsRateChannelsLengthAndPosition) {
+  const struct {
+    double rate;
+    int channels;
+    std::int64_t frames;
+    int kbps;
+    double least;  ///< of the nominal bitrate; 0 where it says nothing
+  } table[] = {
+      {48000, 2, 960'000, 64, 0.95},
+      {48000, 1, 960'000, 192, 0.95},  // where the encoder, left to itself,
+                                       // goes furthest beyond
+      {48000, 2, 960'000, 320, 0.7},
+      {44100, 1, 50'001, 96, 0},
+      {96000, 2, 100'000, 192, 0},
+      {48000, 2, 1, 192, 0},
+      {48000, 2, 1024, 192, 0},
+      {48000, 2, 1025, 192, 0},
+  };
+  const ScratchFolder scratch;
+  for (const auto& [rate, channels, frames, kbps, least] : table) {
+    SCOPED_TRACE(std::to_string(frames) + " frames at " + std::to_string(kbps));
+    Signal source = music(rate, channels, 20, 5);
+    for (auto& plane : source.planes)
+      plane.resize(static_cast<std::size_t>(frames));
+    const auto encoded = scratch / "a.m4a";
+    ASSERT_EQ(afconvert(writeWave(scratch / "in.wav", source), encoded, toAac(kbps)).status, 0);
+    const Signal decoded = readSignal(encoded);
+    EXPECT_EQ(decoded.rate, rate);
+    ASSERT_EQ(decoded.planes.size(), source.planes.size());
+    EXPECT_EQ(decoded.count(), frames);
+    EXPECT_EQ(frames < 10'000 ? 0 : lag(source.planes[0], decoded.planes[0]), 0);
+    if (least == 0) continue;
+    const double bits = 8 * static_cast<double>(std::filesystem::file_size(encoded));
+    const double factor = bits / (static_cast<double>(frames) / rate) / (kbps * 1000);
+    EXPECT_GT(factor, least);
+    EXPECT_LT(factor, 1.05);
+  }
+}
+
+TEST(Afconvert, RefusesWhatItCannotDoAndLeavesTheOutputAlone) {
+  const ScratchFolder scratch;
+  const auto sound = writeWave(scratch / "in.wav", counting(48000, 1000));
+  writeFile(scratch / "text.wav", std::string(5000, 'x'));
+  writeWave(scratch / "three.wav", noise(48000, 3, 100, 0.5, 1));
+  writeWave(scratch / "high.wav", noise(192000, 2, 100, 0.5, 1));
+  writeWave(scratch / "mono.wav", noise(48000, 1, 100, 0.5, 1));
+  writeWave(scratch / "empty.wav", noise(48000, 2, 0, 0.5, 1));
+  const auto earlier = writeFile(scratch / "earlier", "kept");
+  for (const std::string options :
+       {"", "-f", "-f wave -d LEF32@48000 -c 2 -r 127", "-f WAVE -d LEF32@44100 -c 2 -r 127",
+        "-f WAVE -d LEF32@48000 -c 1 -r 127", "-f WAVE -d LEF32@48000 -c 2 -r 126",
+        "-f caff -d LEF32@48000 -c 2 -q 127", "-f m4af -d alac -b 128000 -q 127 -s 0",
+        "-f m4af -d aac -b 128k -q 127 -s 0", "-f m4af -d aac -b +128000 -q 127 -s 0",
+        "-f m4af -d aac -b 7999 -q 127 -s 0", "-f m4af -d aac -b 99999999999999999999 -q 127 -s 0"})
+    expectFailure(afconvert(sound, earlier, options), "usage: afconvert IN OUT -f WAVE");
+  const std::tuple<std::filesystem::path, std::filesystem::path, std::string, std::string> cases[] = {
+      {"no.wav", earlier, toWave, "“no.wav” could not be opened: No such file or directory"},
+      {"text.wav", earlier, toCaf, "“text.wav” could not be opened"},
+      {"three.wav", earlier, toWave, "“three.wav” could not be converted: It has 3 channels"},
+      {"high.wav", earlier, toAac(128), "AAC knows no sample rate of 192000 Hz."},
+      {"mono.wav", earlier, toAac(320), "AAC holds at most 288000 bits per second"},
+      {"empty.wav", earlier, toAac(64), "“empty.wav” could not be converted: It holds no sound."},
+      {"in.wav", scratch / "." / "in.wav", toAac(64), "“in.wav” is both the input and the output."},
+      {"in.wav", scratch / "none" / "a", toAac(64), "“a” could not be opened: No such file or directory"},
+  };
+  for (const auto& [input, output, options, message] : cases)
+    expectFailure(afconvert(scratch.path() / input, output, options), message);
+  EXPECT_EQ(readFile(earlier), "kept");
+  EXPECT_EQ(readSignal(sound).count(), 1000);
+}
+
+TEST(Afconvert, RemovesAnOutputThatItCouldNotComplete) {
+  const ScratchFolder scratch;
+  // Long enough that reading and resampling are still under way when writing fails.
+  const auto input = writeWave(scratch / "in.wav", noise(44100, 2, 1'000'000, 0.5, 1), SampleType::int16);
+  for (const std::string& options : {toWave, toCaf, toAac(256)}) {
+    // Not even room for a header, then for a part.
+    for (const std::string limit : {"trap '' XFSZ; ulimit -f 0", "ulimit -f 64"}) {
+      expectFailure(afconvert(input, scratch / "out", options, limit),
+                    "“out” could not be written: File too large.");
+      EXPECT_FALSE(std::filesystem::exists(scratch / "out"));
+    }
+    expectFailure(afconvert(input, "/dev/full", options), "No space left on device");
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
   }
 }
 
