@@ -39,7 +39,6 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
     int bits;  ///< 0 for lossy ones
   } cases[] = {
       {"u8.wav", "pcm_u8", pcm, 8},
-      {"s8.aiff", "pcm_s8", pcm, 8},
       {"16.wav", "pcm_s16le", pcm, 16},
       {"sowt.aiff", "pcm_s16le", pcm, 16},
       {"16.caf", "pcm_s16be", pcm, 16},
@@ -61,14 +60,10 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
       {"double.caf", "pcm_f64le", pcm, 64},
       {"a.mp3", "libmp3lame", fourCharacterCode(".mp3"), 0},
       {"a.m4a", "aac", fourCharacterCode("aac "), 0},
-      {"a.aac", "aac", fourCharacterCode("aac "), 0},
       {"a.ogg", "libvorbis", fourCharacterCode("vorb"), 0},
       {"a.opus", "libopus", fourCharacterCode("opus"), 0},
       {"mulaw.wav", "pcm_mulaw", fourCharacterCode("ulaw"), 0},
-      {"alaw.aiff", "pcm_alaw", fourCharacterCode("alaw"), 0},
       {"adpcm.wav", "adpcm_ms", other, 0},
-      {"mp3.wav", "libmp3lame", fourCharacterCode(".mp3"), 0},
-      {"a.wma", "wmav2", other, 0},
   };
   const ScratchFolder scratch;
   for (const auto& [name, options, formatID, bits] : cases) {

@@ -13,15 +13,6 @@ namespace zarnet {
 
 namespace fs = std::filesystem;
 
-TEST(FileSystem, StandardizesByNameAlone) {
-  const char* const table[][2] = {
-      {"", ""},          {"/", "/"},     {"/a//b///", "/a/b"}, {"/a/./b/.", "/a/b"},  {"/a/x/../b", "/a/b"},
-      {"/../a/..", "/"}, {"a/../", "."}, {"../a/", "../a"},    {"/a/..b/", "/a/..b"},
-  };
-  for (const auto& [given, expected] : table)
-    EXPECT_EQ(standardized(given).native(), expected) << given;
-}
-
 TEST(FileSystem, NamesTheFileAndTheReasonOfEachFailure) {
   const test::ScratchFolder scratch;
   const fs::path file = test::writeFile(scratch / "file", "content");
