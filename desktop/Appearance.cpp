@@ -24,10 +24,6 @@ void Appearance::choose(std::optional<ColorScheme> scheme) {
   apply();
 }
 
-ColorScheme Appearance::scheme() const {
-  return chosen.value_or(portalScheme.value_or(platformScheme));
-}
-
 void Appearance::follow() {
   following = true;
   new PortalSetting(
@@ -47,7 +43,8 @@ void Appearance::take(const QVariant& value) {
 }
 
 void Appearance::apply() {
-  const QPalette palette = scheme() == ColorScheme::dark ? darkPalette() : lightPalette();
+  const ColorScheme scheme = chosen.value_or(portalScheme.value_or(platformScheme));
+  const QPalette palette = scheme == ColorScheme::dark ? darkPalette() : lightPalette();
   if (QGuiApplication::palette() != palette) QGuiApplication::setPalette(palette);
 }
 

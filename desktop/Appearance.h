@@ -32,8 +32,6 @@ class Appearance : public QObject {
                       const QDBusConnection& bus = QDBusConnection::sessionBus());
 
   void choose(std::optional<ColorScheme> scheme);
-  /// The scheme of the palette that the application has been given.
-  ColorScheme scheme() const;
 
  private:
   void follow();

@@ -4,9 +4,23 @@ namespace zarnet {
 
 namespace {
 
-QPalette palette(const QColor& window, const QColor& panel, const QColor& menuBar, const QColor& text,
-                 const QColor& secondary, const QColor& controlFill, const QColor& controlEdge,
-                 const QColor& sliderTrack, const QColor& accent, const QColor& textOnAccent) {
+/// The tokens that are not made from others.
+struct Colours {
+  QColor window;
+  QColor panel;
+  QColor menuBar;
+  QColor text;
+  QColor secondary;
+  QColor controlFill;
+  QColor controlEdge;
+  QColor sliderTrack;
+  QColor accent;
+  QColor textOnAccent;
+};
+
+QPalette palette(const Colours& colours) {
+  const auto& [window, panel, menuBar, text, secondary, controlFill, controlEdge, sliderTrack, accent,
+               textOnAccent] = colours;
   QPalette result;
   result.setColor(QPalette::Window, window);
   result.setColor(QPalette::Base, panel);
@@ -41,13 +55,29 @@ QColor withOpacity(QColor colour, double opacity) {
 }
 
 QPalette lightPalette() {
-  return palette(0xF4F5F7, 0xFFFFFF, 0xECEEF1, 0x1C2028, 0x646B78, 0xFFFFFF, 0xC9CDD5, 0xD9DCE2, 0x4B57D1,
-                 0xFFFFFF);
+  return palette({.window = 0xF4F5F7,
+                  .panel = 0xFFFFFF,
+                  .menuBar = 0xECEEF1,
+                  .text = 0x1C2028,
+                  .secondary = 0x646B78,
+                  .controlFill = 0xFFFFFF,
+                  .controlEdge = 0xC9CDD5,
+                  .sliderTrack = 0xD9DCE2,
+                  .accent = 0x4B57D1,
+                  .textOnAccent = 0xFFFFFF});
 }
 
 QPalette darkPalette() {
-  return palette(0x16181D, 0x1F2229, 0x1B1E24, 0xECEEF2, 0x9AA1AE, 0x262A32, 0x3A3F4A, 0x363B45, 0x8F98FF,
-                 0x14161C);
+  return palette({.window = 0x16181D,
+                  .panel = 0x1F2229,
+                  .menuBar = 0x1B1E24,
+                  .text = 0xECEEF2,
+                  .secondary = 0x9AA1AE,
+                  .controlFill = 0x262A32,
+                  .controlEdge = 0x3A3F4A,
+                  .sliderTrack = 0x363B45,
+                  .accent = 0x8F98FF,
+                  .textOnAccent = 0x14161C});
 }
 
 Tokens tokens(const QPalette& palette) {

@@ -16,7 +16,6 @@
 #include <QTimer>
 #include <QUuid>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <functional>
 #include <memory>

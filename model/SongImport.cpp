@@ -7,6 +7,8 @@
 
 namespace zarnet {
 
+namespace {
+
 Song importedSong(const std::filesystem::path& url) {
   const AudioInfo info = inspectAudio(url);
   const MediaTags tags = readMediaTags(url);
@@ -23,6 +25,8 @@ Song importedSong(const std::filesystem::path& url) {
   song.artwork = trackArtwork(tags);
   return song;
 }
+
+}  // namespace
 
 ImportedSongs importSongs(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop) {
   ImportedSongs imported;

@@ -15,13 +15,9 @@ struct ImportedSongs {
   std::vector<QString> messages;  ///< why the others were refused, in the order given
 };
 
-/// Inspects one file and reads its tags and artwork. Raises what `inspectAudio` raises; tags never fail.
-/// Any thread, not for the interface's.
-Song importedSong(const std::filesystem::path& url);
-
-/// Imports files one after another; a refused one leaves its message and the rest go on. Looks at `stop`
-/// between files and returns at once with what is there. Never raises for the sake of a file. Any thread, not
-/// for the interface's.
+/// Inspects files one after another and reads their tags and artwork; a refused one leaves its message and
+/// the rest go on. Looks at `stop` between files and returns at once with what is there. Never raises for the
+/// sake of a file. Any thread, not for the interface's.
 ImportedSongs importSongs(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop = {});
 
 }  // namespace zarnet
