@@ -8,7 +8,7 @@ namespace zarnet {
 /// Writes a whole file in one step: a reader finds the old content or the new, never a part of it, even after
 /// a loss of power. The bytes go to a file of a short name in the same folder, are flushed to the disk, and
 /// that file then takes the place of `path`. It keeps the permissions of the file that it replaces; a
-/// symbolic link stays and its target is written.
+/// symbolic link to a file stays and that file is written.
 ///
 /// Raises `PlatformError` “NAME” could not be written: REASON. when the folder is gone or closed to the user,
 /// the disk is full, or the file system refuses the name; what was there before is then intact and nothing
