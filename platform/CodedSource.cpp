@@ -118,6 +118,7 @@ class Decoder {
 
   AVStream& stream() const { return *input.audioStream(); }
   const AVFormatContext& container() const { return *input.context(); }
+  std::string_view containerName() const { return container().iformat->name; }
   /// Goes on with the packet that holds a time (in units of the stream), or one before it. False when it
   /// cannot.
   bool seek(std::int64_t time) {
@@ -192,9 +193,11 @@ void Decoder::check() {
       frame->sample_rate != parameters.sample_rate || !layoutOf(static_cast<AVSampleFormat>(frame->format))) {
     fail("Its format changes on the way");
   }
-  // FLAC frames know their place; a page of Ogg that is damaged disappears without a word.
+  // These containers give every FLAC frame the time that it states itself; a page of Ogg that is damaged
+  // disappears without a word.
+  const bool timed = containerName() == "flac" || containerName() == "ogg";
   const bool exactTime = stream().time_base.num == 1 && stream().time_base.den == parameters.sample_rate;
-  if (codec->codec_id != AV_CODEC_ID_FLAC || !exactTime || frame->pts == AV_NOPTS_VALUE) return;
+  if (codec->codec_id != AV_CODEC_ID_FLAC || !timed || !exactTime || frame->pts == AV_NOPTS_VALUE) return;
   if (expected != AV_NOPTS_VALUE && frame->pts != expected) fail("It is damaged");
   expected = frame->pts + frame->nb_samples;
 }
@@ -212,6 +215,7 @@ class CodedSource : public AudioSource {
   std::int64_t read(float* const* planes, std::int64_t frames) override;
 
  private:
+  bool isFlacInCaf() const;
   std::int64_t announcedFrames() const;
   std::optional<std::int64_t> confirmedFrames() const;
   std::int64_t countAll() const;
@@ -235,13 +239,12 @@ CodedSource::CodedSource(const FileHandle& source)
       decoder(source),
       description(describe(*decoder.stream().codecpar)),
       targets(description.channelsPerFrame) {
-  const std::string_view container = decoder.container().iformat->name;
-  if (container == "caf") {
-    if (const auto table = findPacketTable(file)) {
+  if (decoder.containerName() == "caf") {
+    if (const auto table = isFlacInCaf() ? std::nullopt : findPacketTable(file)) {
       dropped = table->primingFrames;
       limit = table->validFrames;
     }
-  } else if (container.starts_with("mov")) {
+  } else if (decoder.containerName().starts_with("mov")) {
     const std::int64_t tagged = framesStatedByTag(decoder.container().metadata);
     const std::int64_t stated = tagged > 0 ? tagged : announcedFrames();
     if (stated > 0) limit = stated;
@@ -249,28 +252,34 @@ CodedSource::CodedSource(const FileHandle& source)
   toDrop = dropped;
 }
 
-/// The total that the container states in whole frames; 0 when it states none or a rounded one.
+/// What such a container says of frames is not needed, and wrong where its writer took all to be of one
+/// length.
+bool CodedSource::isFlacInCaf() const {
+  return decoder.containerName() == "caf" && decoder.stream().codecpar->codec_id == AV_CODEC_ID_FLAC;
+}
+
+/// The total that the container states in whole frames; 0 when it states none, or none that can be relied on.
 std::int64_t CodedSource::announcedFrames() const {
   const AVStream& stream = decoder.stream();
   const AVRational frameTime = {1, stream.codecpar->sample_rate};
   const bool exact = stream.time_base.num == 1 && frameTime.den % stream.time_base.den == 0;
-  if (!exact || stream.duration <= 0) return 0;
+  if (!exact || stream.duration <= 0 || isFlacInCaf()) return 0;
   return av_rescale_q(stream.duration, stream.time_base, frameTime);
 }
 
 /// The number of frames of a lossless file, when its last packets end where its container says that it ends.
 std::optional<std::int64_t> CodedSource::confirmedFrames() const {
   const std::int64_t announced = announcedFrames();
-  const std::string_view container = decoder.container().iformat->name;
-  if (container == "ogg") return std::nullopt;  // a damaged page near the end shows only on the way there
+  if (decoder.containerName() == "ogg") return std::nullopt;  // a damaged page shows only on the way there
   if (announced == 0 || dropped > 0 || !isLossless(decoder.stream().codecpar->codec_id)) return std::nullopt;
   Decoder tail(file);
   if (!tail.seek(tail.stream().duration - 1)) return std::nullopt;
   std::int64_t end = 0;
   while (const AVFrame* last = tail.next()) {
+    if (last->pts == AV_NOPTS_VALUE) return std::nullopt;
     const AVRational frameTime = {1, last->sample_rate};
     const std::int64_t first = av_rescale_q(last->pts, tail.stream().time_base, frameTime);
-    if (last->pts == AV_NOPTS_VALUE || first > endless / 2) return std::nullopt;
+    if (first > endless / 2) return std::nullopt;
     end = first + last->nb_samples;
   }
   // An edit list may end before the last packet does.

@@ -52,6 +52,7 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
       {"24.caf", "pcm_s24le", pcm, 24},
       {"24.flac", "flac -sample_fmt s32 -bits_per_raw_sample 24", flac, 24},
       {"flac.mp4", "flac -strict -2", flac, 24},
+      {"flac.caf", "flac", flac, 24},
       {"24.m4a", "alac", alac, 24},
       {"alac24.caf", "alac", alac, 24},
       {"32.wav", "pcm_s32le", pcm, 32},
