@@ -183,6 +183,7 @@ bool readAiffForm(std::uint32_t compression, std::uint32_t bits, LinearPCM& pcm)
 
 std::optional<LinearPCM> findInAiff(const FileHandle& file, const Bytes<12>& start) {
   const bool compressible = codeAt(&start[8]) == fourCharacterCode("AIFC");
+  const bool unfinished = loadBigEndian<std::uint32_t>(&start[4]) == 0;
   LinearPCM pcm;
   bool formatKnown = false;
   std::int64_t announcedFrames = 0;
@@ -216,6 +217,7 @@ std::optional<LinearPCM> findInAiff(const FileHandle& file, const Bytes<12>& sta
   });
   // A file without frames may leave the sound chunk out.
   if (!formatKnown || (!soundBytes && announcedFrames > 0)) return std::nullopt;
+  if (unfinished && announcedFrames == 0 && soundBytes == 0) return withFrames(pcm, file, -1);
   return withFrames(pcm, file, std::min(soundBytes.value_or(0), announcedFrames * pcm.frameBytes()));
 }
 

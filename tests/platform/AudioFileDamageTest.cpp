@@ -71,6 +71,8 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
       {"RF64 of petabytes", patched(wide, "ds64", 12, littleEndian(1ULL << 60, 8)), count},
       {"RF64 of negative size", patched(wide, "ds64", 12, littleEndian(1ULL << 63, 8)), count},
       {"AIFF cut off", cutOff(aiff), count - 1},
+      {"AIFF whose sizes were never written",
+       patched(patched(patched(aiff, "FORM", 0, zero), "COMM", 6, zero), "SSND", 0, zero), count},
       {"AIFF with the sound first", aiff.substr(0, 12) + aiff.substr(38) + aiff.substr(12, 26), count},
       {"AIFF that announces billions", patched(aiff, "COMM", 6, bigEndian(0xFFFFFFFF, 4)), count},
       {"AIFF that announces fewer frames", patched(aiff, "COMM", 6, bigEndian(7, 4)), 7},
