@@ -69,6 +69,19 @@ TEST(Driver, GivesTheCheckRecordAndTheFilesOfEachCodec) {
   }
 }
 
+TEST(Driver, TellsAFullDiskWhereTheFilesAreToLie) {
+  const ScratchFolder scratch;
+  const ScratchFolder temporary("/dev/shm");
+  writeTake(scratch / "take.wav");
+  std::filesystem::create_directories(scratch / "out/take");
+  std::filesystem::create_symlink("/dev/full", scratch / "out/take/original.wav-working");
+  const std::string place = scratch.path().string();
+  const auto line = driverLine(temporary, "--output " + place + "/out " + place + "/take.wav");
+  EXPECT_THAT(runProgram(line).errors,
+              HasSubstr("“original.wav-working” could not be written: No space left"));
+  EXPECT_THAT(entries(scratch / "out/take"), testing::IsEmpty());
+}
+
 TEST(Driver, GoesOnAfterAFailureAndNumbersEqualNames) {
   const ScratchFolder scratch;
   for (const char* source : {"a/take.wav", "out/take 2/take.wav", "-take.wav"})

@@ -13,6 +13,7 @@ namespace zarnet {
 namespace {
 
 constexpr std::size_t longestRecord = std::size_t{1} << 16;  // bytes; a record has a few hundred
+constexpr std::size_t copiedBytes = std::size_t{1} << 20;    // at a time
 
 std::filesystem::path sibling(const std::filesystem::path& file, const std::string& ending) {
   return file.parent_path() / (file.stem() += ending);
@@ -23,6 +24,16 @@ bool holdsOneOf(const std::filesystem::path& folder, const std::vector<std::file
     std::error_code ignored;
     return std::filesystem::equivalent(folder, folderOf(absolutePath(file)), ignored);
   });
+}
+
+/// Unlike the standard library's way, it tells a full disk from any other failure.
+void copyFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+  FileHandle source = FileHandle::openForReading(from);
+  FileHandle target = FileHandle::createForWriting(to);
+  std::vector<char> buffer(copiedBytes);
+  while (const std::size_t bytes = source.read(buffer.data(), buffer.size()))
+    target.write(buffer.data(), bytes);
+  target.close();
 }
 
 }  // namespace
@@ -64,12 +75,13 @@ void moveAnywhere(const std::filesystem::path& from, const std::filesystem::path
   if (error != std::errc::cross_device_link) throw systemError(to, "could not be written", error.value());
   std::filesystem::path working = to;
   working += "-working";
-  std::filesystem::copy_file(from, working, std::filesystem::copy_options::overwrite_existing, error);
-  if (error) {
+  try {
+    copyFile(from, working);
+    moveFile(working, to);
+  } catch (const PlatformError&) {
     removeAll(working);
-    throw systemError(to, "could not be written", error.value());
+    throw;
   }
-  moveFile(working, to);
   removeAll(from);
 }
 
