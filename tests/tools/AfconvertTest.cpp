@@ -1,3 +1,4 @@
+#include "platform/AudioFileWriter.h"
 #include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
@@ -107,8 +108,8 @@ TEST(Afconvert, EncodesAacNearTheNominalBitrateAndKeepsRateChannelsLengthAndPosi
     int kbps;
     double least;  ///< of the nominal bitrate; 0 where it says nothing
   } table[] = {
-      {48000, 2, 960'000, 64, 0.95}, {48000, 1, 960'000, 192, 0.95},  // where the encoder would go furthest
-                                                                      // beyond
+      {48000, 2, 960'000, 64, 0.95}, {48000, 1, 960'000, 192, 0.95},  // the encoder would go furthest beyond
+                                                                      // it here
       {48000, 2, 960'000, 320, 0.7}, {44100, 1, 50'001, 96, 0},      {96000, 2, 100'000, 192, 0},
       {48000, 2, 1, 192, 0},         {48000, 2, 1024, 192, 0},       {48000, 2, 1025, 192, 0},
   };
@@ -141,6 +142,7 @@ TEST(Afconvert, RefusesWhatItCannotDoAndLeavesTheOutputAlone) {
   writeWave(scratch / "high.wav", noise(192000, 2, 100, 0.5, 1));
   writeWave(scratch / "mono.wav", noise(48000, 1, 100, 0.5, 1));
   writeWave(scratch / "empty.wav", noise(48000, 2, 0, 0.5, 1));
+  AudioFileWriter(scratch / "slow.caf", 0.5, 2).finish();
   const auto earlier = writeFile(scratch / "earlier", "kept");
   for (const std::string options :
        {"", "-f", "-f wave -d LEF32@48000 -c 2 -r 127", "-f WAVE -d LEF32@44100 -c 2 -r 127",
@@ -153,6 +155,7 @@ TEST(Afconvert, RefusesWhatItCannotDoAndLeavesTheOutputAlone) {
       {"no.wav", earlier, toWave, "“no.wav” could not be opened: No such file or directory"},
       {"text.wav", earlier, toCaf, "“text.wav” could not be opened"},
       {"three.wav", earlier, toWave, "“three.wav” could not be converted: It has 3 channels"},
+      {"slow.caf", earlier, toWave, "could not be converted: A sample rate of 0.5 Hz is not supported."},
       {"high.wav", earlier, toAac(128), "AAC knows no sample rate of 192000 Hz."},
       {"mono.wav", earlier, toAac(320), "AAC holds at most 288000 bits per second"},
       {"empty.wav", earlier, toAac(64), "“empty.wav” could not be converted: It holds no sound."},

@@ -10,6 +10,7 @@
 #include "tools/afconvert/ReadAhead.h"
 #include "tools/afconvert/Resampler.h"
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -21,11 +22,21 @@ namespace {
 constexpr double workingRate = 48000;
 constexpr std::uint32_t workingChannels = 2;
 
-void requireMonoOrStereo(const AudioFileReader& reader, const std::filesystem::path& path) {
+// Beyond these the resampler takes gigabytes, or for ever. The higher one is the most that a WAVE file
+// states.
+constexpr double lowestRate = 1;
+constexpr double highestRate = std::numeric_limits<std::uint32_t>::max();
+
+void requireUsualForm(const AudioFileReader& reader, const std::filesystem::path& path) {
   const std::uint32_t channels = reader.processingChannels();
   if (channels > 2) {
     throw PlatformError(quotedName(path) + " could not be converted: It has " + std::to_string(channels) +
                         " channels; one or two are supported.");
+  }
+  const double rate = reader.processingRate();
+  if (rate < lowestRate || rate > highestRate) {
+    throw PlatformError(quotedName(path) + " could not be converted: A sample rate of " + formatG(rate) +
+                        " Hz is not supported.");
   }
 }
 
@@ -94,7 +105,7 @@ void convertToAac(const Options& options, const AudioFileReader& reader, ReadAhe
 
 void convert(const Options& options) {
   AudioFileReader reader(options.input);
-  requireMonoOrStereo(reader, options.input);
+  requireUsualForm(reader, options.input);
   requireAnotherFile(options);
   ReadAhead decoded(reader.processingChannels(),
                     [&](float* const* planes, std::int64_t frames) { return reader.read(planes, frames); });
