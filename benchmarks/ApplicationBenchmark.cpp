@@ -191,6 +191,7 @@ void comparisonOnScreen(benchmark::State& state) {
   shown.sheets.alerts.at(0).done(0);
   test::eventually([&] { return *model.stage == Stage::listen && !model.busy; });
   for (auto _ : state) {
+    percentOfACore();  // until the screen has settled
     state.counters["paused_percent"] = percentOfACore();
     model.playPause();
     test::eventually([&] { return model.position > 1; });
