@@ -108,10 +108,15 @@ TEST(Afconvert, EncodesAacNearTheNominalBitrateAndKeepsRateChannelsLengthAndPosi
     int kbps;
     double least;  ///< of the nominal bitrate; 0 where it says nothing
   } table[] = {
-      {48000, 2, 960'000, 64, 0.95}, {48000, 1, 960'000, 192, 0.95},  // the encoder would go furthest beyond
-                                                                      // it here
-      {48000, 2, 960'000, 320, 0.7}, {44100, 1, 50'001, 96, 0},      {96000, 2, 100'000, 192, 0},
-      {48000, 2, 1, 192, 0},         {48000, 2, 1024, 192, 0},       {48000, 2, 1025, 192, 0},
+      {48000, 2, 960'000, 64, 0.95},
+      {48000, 1, 960'000, 192, 0.95},  // the encoder would go furthest beyond
+                                       // it here
+      {48000, 2, 960'000, 320, 0.7},
+      {44100, 1, 50'001, 96, 0},
+      {96000, 2, 100'000, 192, 0},
+      {48000, 2, 1, 192, 0},
+      {48000, 2, 1024, 192, 0},
+      {48000, 2, 1025, 192, 0},
   };
   const ScratchFolder scratch;
   for (const auto& [rate, channels, frames, kbps, least] : table) {
