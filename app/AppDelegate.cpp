@@ -5,7 +5,7 @@
 #include "app/NativeSettings.h"
 #include "app/Sheet.h"
 #include "app/WindowFit.h"
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Motion.h"
 #include "app/controls/Symbol.h"
 #include "app/controls/Typography.h"
 #include "model/ErrorText.h"

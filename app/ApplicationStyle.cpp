@@ -1,6 +1,6 @@
 #include "app/ApplicationStyle.h"
 
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "app/controls/Typography.h"
 #include "desktop/Palette.h"
 

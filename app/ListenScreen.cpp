@@ -13,16 +13,14 @@
 #include "app/controls/Toggles.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace zarnet {
 
 namespace {
 
-constexpr double skip = 5;             // seconds
-constexpr double leastRange = 0.1;     // seconds, of the position slider
-constexpr int sliderSteps = 1000;      // of the position slider, for each second
-constexpr int volumeSteps = 1000;      // of the whole volume slider
+constexpr double skip = 5;          // seconds
+constexpr double leastRange = 0.1;  // seconds, of the position slider
+constexpr double volumeStep = 0.05;
 constexpr double shortestPart = 0.05;  // seconds, between a loop's start and the end of the track
 constexpr double loopPush = 1;         // seconds, that one end of the loop keeps from the other
 
@@ -122,12 +120,9 @@ QWidget* NativeRoot::playback() {
   auto* column = bareColumn(panel, 4);
   auto* level = new Text(TextStyle::caption);
   level->setSecondary(true);
-  auto* slider = new Slider;
+  auto* slider = new Slider(skip);
   slider->setAccessibleName(QStringLiteral("Playback position"));
-  slider->setSingleStep(static_cast<int>(skip) * sliderSteps);
-  slider->setPageStep(static_cast<int>(skip) * sliderSteps);
-  connect(slider, &Slider::moved, this,
-          [this](int value) { model.seek(static_cast<double>(value) / sliderSteps); });
+  connect(slider, &Slider::moved, this, [this](double time) { model.seek(time); });
   auto* position = new ClockText(TextStyle::caption);
   auto* duration = new ClockText(TextStyle::caption);
   position->setSecondary(true);
@@ -148,8 +143,7 @@ QWidget* NativeRoot::playback() {
     duration->setText(clockText(model.duration));
   });
   followPosition([this, slider, position] {
-    slider->display(static_cast<int>(std::lround(*model.position * sliderSteps)),
-                    static_cast<int>(std::lround(std::max(*model.duration, leastRange) * sliderSteps)));
+    slider->display(model.position, std::max(*model.duration, leastRange));
     position->setText(clockText(model.position));
   });
   return panel;
@@ -168,13 +162,11 @@ QWidget* NativeRoot::transport() {
           [this] { model.seek(std::min(*model.position + skip, *model.duration)); });
   connect(play, &QAbstractButton::clicked, this, [this] { model.playPause(); });
 
-  auto* volume = new Slider;
-  volume->setSingleStep(volumeSteps / 20);
-  volume->setPageStep(volumeSteps / 5);
+  auto* volume = new Slider(volumeStep);
   volume->setFixedWidth(90);
   volume->setAccessibleName(QStringLiteral("Volume"));
-  connect(volume, &Slider::moved, this, [this](int value) {
-    model.volume = static_cast<double>(value) / volumeSteps;
+  connect(volume, &Slider::moved, this, [this](double loudness) {
+    model.volume = loudness;
     model.player.setVolume(model.volume);
   });
   auto* loudness = new QHBoxLayout;
@@ -204,7 +196,7 @@ QWidget* NativeRoot::transport() {
   row->addStretch(1);
   follow([this, play, volume] {
     play->setPlaying(model.playing);
-    volume->display(static_cast<int>(std::lround(*model.volume * volumeSteps)), volumeSteps);
+    volume->display(model.volume, 1);
     loopButton->setText(model.loop ? QStringLiteral("Loop on") : QStringLiteral("Loop"));
     loopButton->setSymbol(QStringLiteral("repeat"), 17);
     loopButton->setAccented(model.loop);

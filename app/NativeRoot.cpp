@@ -1,7 +1,7 @@
 #include "app/NativeRoot.h"
 
 #include "app/Sheet.h"
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "app/controls/FocusRing.h"
 #include "desktop/Palette.h"
 

@@ -1,7 +1,7 @@
 #include "app/Popover.h"
 
 #include "app/Translucency.h"
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "app/controls/FocusRing.h"
 #include "desktop/Palette.h"
 

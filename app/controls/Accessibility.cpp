@@ -3,12 +3,14 @@
 #include "app/controls/Artwork.h"
 #include "app/controls/ClockText.h"
 #include "app/controls/SideCard.h"
+#include "app/controls/Slider.h"
 #include "app/controls/Spinner.h"
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <cmath>
 
 namespace zarnet {
 
@@ -35,6 +37,27 @@ class SelectableInterface : public QAccessibleWidget {
   SelectableButton* button() const { return static_cast<SelectableButton*>(widget()); }
 };
 
+/// A slider whose value is an amount, not what the toolkit counts.
+class SliderInterface : public QAccessibleWidget, public QAccessibleValueInterface {
+ public:
+  explicit SliderInterface(Slider* slider) : QAccessibleWidget(slider, QAccessible::Slider) {}
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+    return QAccessibleWidget::interface_cast(type);
+  }
+  QVariant currentValue() const override { return slider()->value() / Slider::resolution; }
+  void setCurrentValue(const QVariant& value) override {
+    slider()->setValue(static_cast<int>(std::lround(value.toDouble() * Slider::resolution)));
+  }
+  QVariant maximumValue() const override { return slider()->maximum() / Slider::resolution; }
+  QVariant minimumValue() const override { return 0.0; }
+  QVariant minimumStepSize() const override { return slider()->singleStep() / Slider::resolution; }
+
+ private:
+  Slider* slider() const { return static_cast<Slider*>(widget()); }
+};
+
 /// Something for the eye only, which screen readers pass over.
 class DecorationInterface : public QAccessibleWidget {
  public:
@@ -49,6 +72,7 @@ class DecorationInterface : public QAccessibleWidget {
 
 QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
   if (auto* button = qobject_cast<SelectableButton*>(object)) return new SelectableInterface(button);
+  if (auto* slider = qobject_cast<Slider*>(object)) return new SliderInterface(slider);
   if (auto* text = qobject_cast<Text*>(object)) return new QAccessibleWidget(text, QAccessible::StaticText);
   if (auto* clock = qobject_cast<ClockText*>(object))
     return new QAccessibleWidget(clock, QAccessible::StaticText);

@@ -1,5 +1,6 @@
 #include "app/controls/Button.h"
 
+#include "app/controls/Drawing.h"
 #include "app/controls/Symbol.h"
 #include "app/controls/Typography.h"
 

@@ -1,22 +1,17 @@
 #include "app/controls/ButtonBase.h"
 
+#include "app/controls/Drawing.h"
+#include "app/controls/Motion.h"
+
 #include <QKeyEvent>
 
 namespace zarnet {
 
 namespace {
-bool motion = true;
 constexpr int fillMilliseconds = 120;
 constexpr double hoverShift = 0.04;
 constexpr double pressedShift = 0.08;
 }  // namespace
-
-void setMotionAllowed(bool allowed) {
-  motion = allowed;
-}
-bool motionAllowed() {
-  return motion;
-}
 
 ButtonBase::ButtonBase(QWidget* parent) : QAbstractButton(parent) {
   setFocusPolicy(Qt::StrongFocus);
@@ -35,7 +30,7 @@ void ButtonBase::animateTo(double target) {
   if (!isEnabled()) target = 0;
   animation.stop();
   if (target == shift) return;
-  if (!motion || !isVisible()) {
+  if (!motionAllowed() || !isVisible()) {
     shift = target;
     update();
     return;
@@ -77,21 +72,6 @@ bool ButtonBase::event(QEvent* event) {
       break;
   }
   return QAbstractButton::event(event);
-}
-
-void drawBox(QPainter& painter, const QRectF& box, double radius, const QColor& fill, const QColor& edge,
-             double edgeWidth) {
-  const double inset = edgeWidth / 2;
-  painter.setPen(edgeWidth > 0 ? QPen(edge, edgeWidth) : QPen(Qt::NoPen));
-  painter.setBrush(fill);
-  painter.drawRoundedRect(box.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
-}
-
-QColor mixed(const QColor& from, const QColor& to, double amount) {
-  const auto part = static_cast<float>(amount);
-  return QColor::fromRgbF(from.redF() + (to.redF() - from.redF()) * part,
-                          from.greenF() + (to.greenF() - from.greenF()) * part,
-                          from.blueF() + (to.blueF() - from.blueF()) * part, from.alphaF());
 }
 
 }  // namespace zarnet

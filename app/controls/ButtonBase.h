@@ -8,10 +8,6 @@
 
 namespace zarnet {
 
-/// Whether fills may change gradually. Off while the desktop asks for reduced motion.
-void setMotionAllowed(bool allowed);
-bool motionAllowed();
-
 /// What all buttons of the application share: Return and Enter activate the focused one, hover and press
 /// shift the fill gradually, disabled means 0.4 of the opacity. Derived classes draw themselves in `paint`.
 class ButtonBase : public QAbstractButton {
@@ -44,12 +40,5 @@ class ButtonBase : public QAbstractButton {
   QVariantAnimation animation;
   double shift = 0;
 };
-
-/// The corner-rounded box of a control: filled, with an edge of `edgeWidth` inside `box`.
-void drawBox(QPainter& painter, const QRectF& box, double radius, const QColor& fill, const QColor& edge,
-             double edgeWidth);
-
-/// A colour moved towards another by `amount`, 0 to 1; the opacity stays that of `from`.
-QColor mixed(const QColor& from, const QColor& to, double amount);
 
 }  // namespace zarnet

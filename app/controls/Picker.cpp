@@ -1,8 +1,9 @@
 #include "app/controls/Picker.h"
 
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "app/controls/Symbol.h"
 #include "app/controls/Typography.h"
+#include "desktop/Palette.h"
 
 #include <QAbstractItemView>
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 #include "app/controls/RoundedPanel.h"
 
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "desktop/Palette.h"
 
 #include <QEvent>

@@ -1,6 +1,7 @@
 #include "app/controls/SegmentedPicker.h"
 
 #include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "app/controls/Typography.h"
 
 #include <QButtonGroup>

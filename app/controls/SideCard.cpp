@@ -1,5 +1,6 @@
 #include "app/controls/SideCard.h"
 
+#include "app/controls/Drawing.h"
 #include "app/controls/Typography.h"
 
 #include <QAccessible>

@@ -1,10 +1,11 @@
 #include "app/controls/Slider.h"
 
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Drawing.h"
 #include "desktop/Palette.h"
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
@@ -13,21 +14,28 @@ namespace zarnet {
 namespace {
 constexpr double knob = 16;
 constexpr double track = 4;
+
+int counted(double amount) {
+  return static_cast<int>(std::lround(amount * Slider::resolution));
+}
+
 }  // namespace
 
-Slider::Slider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
+Slider::Slider(double step, QWidget* parent) : QSlider(Qt::Horizontal, parent) {
+  setSingleStep(counted(step));
+  setPageStep(4 * singleStep());
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_Hover);
   connect(this, &QSlider::valueChanged, this, [this](int value) {
-    if (!displaying) Q_EMIT moved(value);
+    if (!displaying) Q_EMIT moved(value / resolution);
   });
 }
 
-void Slider::display(int value, int maximum) {
+void Slider::display(double amount, double most) {
   if (isSliderDown()) return;
   displaying = true;
-  setRange(0, maximum);  // may push the old value into the new range, which is no wish of the user's
-  setValue(value);
+  setRange(0, counted(most));  // may push the old value into the new range, which is no wish of the user's
+  setValue(counted(amount));
   displaying = false;
 }
 
@@ -67,6 +75,10 @@ void Slider::mouseMoveEvent(QMouseEvent* event) {
 
 void Slider::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) setSliderDown(false);
+}
+
+void Slider::wheelEvent(QWheelEvent* event) {
+  event->ignore();
 }
 
 }  // namespace zarnet

@@ -1,6 +1,6 @@
 #include "app/controls/Spinner.h"
 
-#include "app/controls/ButtonBase.h"
+#include "app/controls/Motion.h"
 #include "desktop/Palette.h"
 
 #include <QPainter>

@@ -1,5 +1,7 @@
 #include "app/controls/Toggles.h"
 
+#include "app/controls/Drawing.h"
+#include "app/controls/Motion.h"
 #include "app/controls/Symbol.h"
 #include "app/controls/Typography.h"
 

@@ -1,7 +1,7 @@
 #include "tests/app/InterfaceHarness.h"
 
-#include "app/controls/ButtonBase.h"
 #include "app/controls/ClockText.h"
+#include "app/controls/Motion.h"
 #include "app/controls/Text.h"
 #include "tests/support/EventLoop.h"
 

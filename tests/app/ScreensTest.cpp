@@ -1,9 +1,9 @@
 #include "app/controls/SideCard.h"
-#include "app/controls/Slider.h"
 #include "tests/app/InterfaceHarness.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/PulseServer.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QTest>
@@ -135,6 +135,8 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   reach("Playback position");
   key(Qt::Key_Right);
   expectText("0:05");
+  auto* spoken = QAccessible::queryAccessibleInterface(control("Playback position"))->valueInterface();
+  EXPECT_EQ(spoken->currentValue(), 5.0) << "not seconds";
   reachAndPress("Forward five seconds");
   expectText("0:10");
   reachAndPress("Loop");
