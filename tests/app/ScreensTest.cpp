@@ -136,7 +136,7 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   key(Qt::Key_Right);
   expectText("0:05");
   auto* spoken = QAccessible::queryAccessibleInterface(control("Playback position"))->valueInterface();
-  EXPECT_EQ(spoken->currentValue(), 5.0) << "not seconds";
+  EXPECT_NEAR(spoken->currentValue().toDouble(), 5, 1) << "not seconds";
   reachAndPress("Forward five seconds");
   expectText("0:10");
   reachAndPress("Loop");
