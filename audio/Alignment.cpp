@@ -40,8 +40,8 @@ std::array<float, size> decimated(const float* samples) {
 
 /// Normalised correlation of two rows of `count` samples, the first with the energy given.
 double correlation(const float* original, float originalEnergy, const float* lossy, std::int64_t count) {
-  const double product = dotProduct(original, lossy, 1, count);
-  const double energies = double{originalEnergy} * double{sumOfSquares(lossy, 1, count)};
+  const double product = dotProduct(original, lossy, count);
+  const double energies = double{originalEnergy} * double{sumOfSquares(lossy, count)};
   return product / std::sqrt(std::max(energies, energyProductFloor));
 }
 
@@ -52,7 +52,7 @@ std::int64_t loudestAnchor(const float* original, std::int64_t count) {
   for (const double fraction : anchorFractions) {
     auto position = static_cast<std::int64_t>(static_cast<double>(count) * fraction);
     position = std::max(std::min(position, count - anchorFromEnd), anchorFromStart);
-    const float energy = sumOfSquares(original + position, coarseStep, coarseSamples);
+    const float energy = sumOfSquares(decimated<coarseSamples>(original + position).data(), coarseSamples);
     if (energy > best) {
       best = energy;
       anchor = position;
@@ -66,7 +66,7 @@ std::int64_t loudestAnchor(const float* original, std::int64_t count) {
 std::int64_t coarseLag(const float* original, const float* lossy) {
   const auto excerpt = decimated<coarseSamples>(original);
   const auto range = decimated<coarseSamples + 2 * coarseReach / coarseStep>(lossy - coarseReach);
-  const float energy = sumOfSquares(excerpt.data(), 1, coarseSamples);
+  const float energy = sumOfSquares(excerpt.data(), coarseSamples);
   const auto score = [&](std::int64_t lag) {
     return correlation(excerpt.data(), energy, range.data() + (lag + coarseReach) / coarseStep,
                        coarseSamples);
@@ -81,7 +81,7 @@ std::int64_t coarseLag(const float* original, const float* lossy) {
 
 /// The best single lag around a coarse one.
 Match fineMatch(const float* original, const float* lossy, std::int64_t coarse) {
-  const float energy = sumOfSquares(original, 1, fineSamples);
+  const float energy = sumOfSquares(original, fineSamples);
   Match winner = {coarse, -1.0};
   for (std::int64_t lag = coarse - fineReach; lag <= coarse + fineReach; ++lag) {
     const double candidate = correlation(original, energy, lossy + lag, fineSamples);

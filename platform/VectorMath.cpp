@@ -1,7 +1,6 @@
 #include "platform/VectorMath.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstring>
 
@@ -25,11 +24,10 @@ Lanes load(const float* samples) {
   return lanes;
 }
 
-/// The next `terms` (at most 16) of a strided row; lanes without a term are 0.
-Lanes gather(const float* samples, std::int64_t stride, std::int64_t terms) {
+/// The last `terms` (fewer than 16) of a row; lanes without a term are 0.
+Lanes loadRest(const float* samples, std::int64_t terms) {
   float values[laneCount] = {};
-  for (std::int64_t k = 0; k < terms; ++k)
-    values[k] = samples[k * stride];
+  std::copy_n(samples, terms, values);
   return load(values);
 }
 
@@ -52,31 +50,26 @@ float maximumMagnitude(const float* samples, std::int64_t count) {
   std::int64_t k = 0;
   for (; k + laneCount <= count; k += laneCount)
     take(load(samples + k));
-  take(gather(samples + k, 1, count - k));
+  take(loadRest(samples + k, count - k));
   float magnitudes[laneCount];
   std::memcpy(magnitudes, &most, sizeof magnitudes);
   return *std::max_element(magnitudes, magnitudes + laneCount);
 }
 
-float sumOfSquares(const float* samples, std::int64_t stride, std::int64_t count) {
-  return dotProduct(samples, samples, stride, count);
+float sumOfSquares(const float* samples, std::int64_t count) {
+  return dotProduct(samples, samples, count);
 }
 
-float dotProduct(const float* a, const float* b, std::int64_t stride, std::int64_t count) {
+float dotProduct(const float* a, const float* b, std::int64_t count) {
   Lanes sums{};
   const auto add = [&sums](const Lanes& left, const Lanes& right) {
     for (std::size_t r = 0; r < registerCount; ++r)
       sums.registers[r] += left.registers[r] * right.registers[r];
   };
   std::int64_t k = 0;
-  if (stride == 1) {
-    for (; k + laneCount <= count; k += laneCount)
-      add(load(a + k), load(b + k));
-  }
-  for (; k < count; k += laneCount) {
-    const std::int64_t terms = std::min(laneCount, count - k);
-    add(gather(a + k * stride, stride, terms), gather(b + k * stride, stride, terms));
-  }
+  for (; k + laneCount <= count; k += laneCount)
+    add(load(a + k), load(b + k));
+  add(loadRest(a + k, count - k), loadRest(b + k, count - k));
   return total(sums);
 }
 

@@ -10,10 +10,10 @@ namespace zarnet {
 /// The largest absolute value of `count` samples.
 float maximumMagnitude(const float* samples, std::int64_t count);
 
-/// The sum of the squares of samples[0], samples[stride], … (`count` terms). Requires: stride ≥ 1.
-float sumOfSquares(const float* samples, std::int64_t stride, std::int64_t count);
+/// The sum of the squares of `count` samples.
+float sumOfSquares(const float* samples, std::int64_t count);
 
-/// The sum of a[k × stride] × b[k × stride] for k from 0 to `count` − 1. Requires: stride ≥ 1.
-float dotProduct(const float* a, const float* b, std::int64_t stride, std::int64_t count);
+/// The sum of a[k] × b[k] for k from 0 to `count` − 1.
+float dotProduct(const float* a, const float* b, std::int64_t count);
 
 }  // namespace zarnet

@@ -140,7 +140,7 @@ std::int64_t lag(const std::vector<float>& earlier, const std::vector<float>& la
   const auto count = static_cast<std::int64_t>(std::min(earlier.size(), later.size())) - 2 * range;
   std::vector<float> matches;
   for (std::int64_t shift = -range; shift <= range; ++shift)
-    matches.push_back(dotProduct(earlier.data() + range, later.data() + range + shift, 1, count));
+    matches.push_back(dotProduct(earlier.data() + range, later.data() + range + shift, count));
   return std::ranges::max_element(matches) - matches.begin() - range;
 }
 
