@@ -2,10 +2,6 @@
 #include "tests/support/LoadedSignal.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 namespace zarnet {

@@ -5,9 +5,6 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
-#include <filesystem>
-#include <string>
-
 #include <gtest/gtest.h>
 
 namespace zarnet {

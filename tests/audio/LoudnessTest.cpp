@@ -2,13 +2,9 @@
 #include "tests/support/LoadedSignal.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstdint>
-#include <limits>
 #include <numeric>
-#include <vector>
 
 #include <ebur128.h>
 #include <gtest/gtest.h>

@@ -9,10 +9,6 @@
 #include "tests/support/Signals.h"
 
 #include <cstring>
-#include <filesystem>
-#include <limits>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -5,24 +5,11 @@
 #include "tests/support/Failures.h"
 #include "tests/support/FakeAudioEngine.h"
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
-#include <functional>
-#include <iterator>
-#include <limits>
-#include <memory>
-#include <optional>
 #include <random>
-#include <string>
 #include <thread>
-#include <utility>
-#include <variant>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -30,10 +17,7 @@ namespace zarnet {
 
 namespace {
 
-using test::comparison;
-using test::FakeAudioEngine;
-using test::ReferencePlayer;
-using test::Signal;
+using namespace test;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 

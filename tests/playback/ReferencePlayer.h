@@ -3,12 +3,6 @@
 #include "prepare/PreparedAudio.h"
 #include "tests/support/LoadedSignal.h"
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <utility>
-
 namespace zarnet::test {
 
 /// A prepared comparison of two 48 kHz stereo signals, as it comes from the preparation.

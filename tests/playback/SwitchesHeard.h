@@ -4,9 +4,7 @@
 #include "tests/support/PulseServer.h"
 #include "tests/support/Wait.h"
 
-#include <algorithm>
 #include <cmath>
-#include <map>
 
 #include <gtest/gtest.h>
 

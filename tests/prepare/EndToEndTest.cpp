@@ -4,13 +4,8 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -19,12 +14,6 @@ namespace zarnet {
 namespace {
 
 using Source = std::tuple<double, test::SampleType, int>;  // rate, depth, channels
-
-std::string nameOf(const testing::TestParamInfo<Source>& source) {
-  const auto [rate, type, channels] = source.param;
-  return std::to_string(static_cast<int>(rate)) + "Hz" +
-         (type == test::SampleType::int16 ? "16Bit" : "24Bit") + (channels == 1 ? "Mono" : "Stereo");
-}
 
 constexpr std::int64_t excerptFrames = 8192;
 constexpr std::int64_t reach = 2408;
@@ -131,7 +120,6 @@ TEST_P(EndToEnd, EveryCodecGivesAnAlignedAndMatchedComparison) {
 INSTANTIATE_TEST_SUITE_P(Sources, EndToEnd,
                          testing::Combine(testing::Values(44100.0, 48000.0, 96000.0),
                                           testing::Values(test::SampleType::int16, test::SampleType::int24),
-                                          testing::Values(1, 2)),
-                         nameOf);
+                                          testing::Values(1, 2)));
 
 }  // namespace zarnet
