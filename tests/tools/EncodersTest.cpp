@@ -64,7 +64,7 @@ TEST(VorbisTool, RefusesWhatItCannotDoWithOneLineAndLeavesNoOutput) {
       {"encode in out 99999999999999999999", "The bitrate is not a whole number from 1 to 1000 kbps."},
       {"encode in out 1000", "Ogg Vorbis has no mode for 1000 kbps."},
       {"encode odd out 128", "“odd” does not hold a whole number of frames."},
-      {"encode in ./in 128", "The input and the output are the same file."},
+      {"encode in ./in 128", "“in” is both the input and the output."},
       {"decode 'line\nfeed' out", "“line feed” could not be opened: No such file or directory."},
       {"decode in out", "“in” is not an Ogg Vorbis file."},
       {"decode headers out", "“headers” is not an Ogg Vorbis file."},

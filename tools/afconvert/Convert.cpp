@@ -5,6 +5,7 @@
 #include "platform/FileHandle.h"
 #include "platform/PlatformError.h"
 #include "platform/Text.h"
+#include "tools/Tool.h"
 #include "tools/afconvert/AacEncoder.h"
 #include "tools/afconvert/M4aFile.h"
 #include "tools/afconvert/ReadAhead.h"
@@ -13,7 +14,6 @@
 #include <limits>
 #include <optional>
 #include <string>
-#include <system_error>
 
 namespace zarnet {
 
@@ -40,13 +40,6 @@ void requireUsualForm(const AudioFileReader& reader, const std::filesystem::path
   }
 }
 
-/// Creating the output empties it, so it must not be the input under whatever name.
-void requireAnotherFile(const Options& options) {
-  std::error_code ignored;
-  if (std::filesystem::equivalent(options.input, options.output, ignored))
-    throw PlatformError(quotedName(options.input) + " is both the input and the output.");
-}
-
 /// Creates the output, then runs `complete`, which writes it. When that fails, the file is removed; a device
 /// or a pipe stays, and so does what lies there when it cannot be opened for writing at all.
 template <typename Complete>
@@ -55,8 +48,7 @@ void produce(const std::filesystem::path& output, Complete complete) {
   try {
     complete();
   } catch (...) {
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(output, ignored)) std::filesystem::remove(output, ignored);
+    removeUnfinished(output);
     throw;
   }
 }
@@ -106,7 +98,7 @@ void convertToAac(const Options& options, const AudioFileReader& reader, ReadAhe
 void convert(const Options& options) {
   AudioFileReader reader(options.input);
   requireUsualForm(reader, options.input);
-  requireAnotherFile(options);
+  requireTwoFiles(options.input, options.output);
   ReadAhead decoded(reader.processingChannels(),
                     [&](float* const* planes, std::int64_t frames) { return reader.read(planes, frames); });
   if (options.target == Options::Target::aac) {

@@ -6,7 +6,7 @@
 #include "platform/Text.h"
 #include "prepare/AudioPreparer.h"
 #include "prepare/Resources.h"
-#include "tools/OneLine.h"
+#include "tools/Tool.h"
 #include "tools/prepare/Options.h"
 #include "tools/prepare/Results.h"
 #include "tools/prepare/StopSignals.h"

@@ -1,6 +1,6 @@
 #include "tools/vorbis/OutputFile.h"
 
-#include <system_error>
+#include "tools/Tool.h"
 
 namespace zarnet {
 
@@ -12,9 +12,7 @@ OutputFile::OutputFile(const std::filesystem::path& location)
     : path(location), file(FileHandle::createForWriting(location)) {}
 
 OutputFile::~OutputFile() {
-  if (finished) return;
-  std::error_code ignored;
-  if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);
+  if (!finished) removeUnfinished(path);
 }
 
 void OutputFile::writeAt(std::int64_t offset, const void* source, std::size_t bytes) {

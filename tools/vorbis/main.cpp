@@ -1,14 +1,10 @@
 // vorbis-tool: encodes raw sample files as Ogg Vorbis and decodes them again.
 
-#include "tools/OneLine.h"
+#include "tools/Tool.h"
 #include "tools/vorbis/Decode.h"
 #include "tools/vorbis/Encode.h"
 
 #include <charconv>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <stdexcept>
 #include <string_view>
@@ -28,20 +24,13 @@ int parsedBitrate(std::string_view text) {
   return static_cast<int>(kbps);
 }
 
-/// Opening the output empties it: the input must not be the same file.
-void requireTwoFiles(const std::filesystem::path& input, const std::filesystem::path& output) {
-  std::error_code ignored;
-  if (std::filesystem::equivalent(input, output, ignored))
-    throw std::runtime_error("The input and the output are the same file.");
-}
-
 void run(const std::vector<std::string_view>& arguments) {
   const bool encoding = arguments.size() == 4 && arguments[0] == "encode";
   const bool decoding = arguments.size() == 3 && arguments[0] == "decode";
   if (!encoding && !decoding) throw std::runtime_error(usage);
   const std::filesystem::path input = arguments[1];
   const std::filesystem::path output = arguments[2];
-  requireTwoFiles(input, output);
+  zarnet::requireTwoFiles(input, output);
   if (encoding) {
     zarnet::encode(input, output, parsedBitrate(arguments[3]));
   } else {
@@ -52,13 +41,5 @@ void run(const std::vector<std::string_view>& arguments) {
 }  // namespace
 
 int main(int count, char** values) {
-  // A limit on the size of files then fails the write, which is reported, instead of ending the process.
-  std::signal(SIGXFSZ, SIG_IGN);
-  try {
-    run({values + 1, values + count});
-    return EXIT_SUCCESS;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", zarnet::oneLine(error.what()).c_str());
-    return EXIT_FAILURE;
-  }
+  return zarnet::runConverter([&] { run({values + 1, values + count}); });
 }
