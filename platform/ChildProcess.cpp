@@ -3,7 +3,6 @@
 #include "platform/PlatformError.h"
 
 #include <cerrno>
-#include <csignal>
 
 #include <signal.h>
 #include <spawn.h>

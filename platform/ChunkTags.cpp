@@ -17,7 +17,6 @@ using TagLib::IOStream;
 /// No honest file comes near; a made-up one is not followed to its end.
 constexpr std::size_t mostChunks = 10'000;
 constexpr unsigned int unknownSize = 0xFFFFFFFF;
-constexpr const char* windowsText = "windows-1252";
 constexpr const char* macText = "macintosh";
 
 /// A named stretch of a file: where its content lies.

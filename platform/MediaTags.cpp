@@ -21,8 +21,6 @@ namespace {
 using TagLib::ByteVector;
 using TagLib::String;
 
-constexpr const char* latinText = "windows-1252";
-
 bool isComplete(const TagFields& fields) {
   return !fields.title.empty() && !fields.artist.empty() && !fields.album.empty();
 }
@@ -55,7 +53,7 @@ void readFlacTags(TagLib::IOStream& stream, MediaTags& tags) {
 void readDictionary(const AVDictionary* dictionary, TagFields& fields) {
   const auto append = [&](std::vector<std::string>& texts, const char* key) {
     const AVDictionaryEntry* entry = av_dict_get(dictionary, key, nullptr, 0);
-    if (entry != nullptr) appendText(texts, ByteVector(entry->value), latinText);
+    if (entry != nullptr) appendText(texts, ByteVector(entry->value), windowsText);
   };
   append(fields.title, "title");
   append(fields.artist, "artist");
@@ -106,9 +104,7 @@ MediaTags readMediaTags(const std::filesystem::path& path) {
   MediaTags tags;
   try {
     readTags(path, tags);
-  } catch (const std::exception&) {
-    // A file that cannot be read further has the tags that were found until then.
-    return tags;
+  } catch (const std::exception&) {  // what was found until then counts
   }
   return tags;
 }

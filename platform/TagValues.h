@@ -13,6 +13,9 @@ namespace zarnet {
 constexpr std::size_t longestText = std::size_t{1} << 20;
 constexpr std::size_t largestPicture = std::size_t{64} << 20;
 
+/// What texts that are not UTF-8 mostly are.
+constexpr const char* windowsText = "windows-1252";
+
 /// Appends a text of valid UTF-8.
 void appendText(std::vector<std::string>& texts, std::string text);
 
