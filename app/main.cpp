@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include <xcb/xcb.h>
+
 namespace {
 
 constexpr char usage[] =
@@ -25,6 +27,15 @@ constexpr char usage[] =
 bool isSet(const char* variable) {
   const char* value = std::getenv(variable);
   return value != nullptr && *value != '\0';
+}
+
+/// Whether there is a display to open a window on; the toolkit would abort over one that does not answer.
+bool displayAnswers() {
+  if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) return true;
+  xcb_connection_t* display = xcb_connect(nullptr, nullptr);
+  const bool answers = xcb_connection_has_error(display) == 0;
+  xcb_disconnect(display);
+  return answers;
 }
 
 }  // namespace
@@ -47,7 +58,7 @@ int main(int argc, char** argv) {
       files.push_back(unknown ? std::filesystem::path(argument) : file);
     }
   }
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+  if (!displayAnswers()) {
     std::fputs("Zarnet needs a display to open its window; zarnet-prepare works without one.\n", stderr);
     return 1;
   }
