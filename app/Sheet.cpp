@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QScrollArea>
@@ -103,6 +104,12 @@ AlertSheet::AlertSheet(QWidget* parent, const QString& message, const QString& i
   setAccessibleName(message);
   setInformativeText(informativeText);
   new FocusRing(this);
+}
+
+void AlertSheet::keyPressEvent(QKeyEvent* event) {
+  // A focused button has its own answer to Return; anything else leaves it to the default one.
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return done(0);
+  Sheet::keyPressEvent(event);
 }
 
 void AlertSheet::setInformativeText(const QString& text) {

@@ -60,6 +60,9 @@ class AlertSheet : public Sheet {
   void setInformativeText(const QString& text);
   void reject() override { done(-1); }
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   Text* information;
   QScrollArea* scroll;
