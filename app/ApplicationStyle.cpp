@@ -11,12 +11,18 @@
 #include <QStyleFactory>
 #include <QStyleOption>
 #include <QToolTip>
+#include <algorithm>
+#include <cstdint>
 
 namespace zarnet {
 
 namespace {
 
-/// The toolkit's plain style with a flat menu bar and roomier menus and lists.
+constexpr int scrollBarExtent = 14;
+constexpr int scrollKnobWidth = 6;
+constexpr int shortestScrollKnob = 32;
+
+/// The toolkit's plain style with a flat menu bar, slim scroll bars, and roomier menus and lists.
 class ApplicationStyle : public QProxyStyle {
  public:
   ApplicationStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
@@ -40,6 +46,52 @@ class ApplicationStyle : public QProxyStyle {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
   }
 
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override {
+    if (control != CC_ScrollBar) return QProxyStyle::drawComplexControl(control, option, painter, widget);
+    QRectF knob = subControlRect(control, option, SC_ScrollBarSlider, widget);
+    knob = option->state & State_Horizontal ? knob.adjusted(1, scrollBarExtent - scrollKnobWidth - 1, -1, -1)
+                                            : knob.adjusted(scrollBarExtent - scrollKnobWidth - 1, 1, -1, -1);
+    const bool active = option->state & (State_MouseOver | State_Sunken);
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    drawBox(*painter, knob, scrollKnobWidth / 2.0,
+            withOpacity(tokens(option->palette).text, active ? 0.4 : 0.25), {}, 0);
+    painter->restore();
+  }
+
+  QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                       const QWidget* widget) const override {
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || bar == nullptr)
+      return QProxyStyle::subControlRect(control, option, part, widget);
+    const bool upright = bar->orientation == Qt::Vertical;
+    const int length = upright ? bar->rect.height() : bar->rect.width();
+    const std::int64_t whole = std::int64_t{bar->maximum} - bar->minimum + bar->pageStep;
+    const auto share =
+        static_cast<int>(std::int64_t{length} * bar->pageStep / std::max(whole, std::int64_t{1}));
+    const int knob = std::min(std::max(share, shortestScrollKnob), length);
+    const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - knob,
+                                              bar->upsideDown);
+    const auto stretch = [&](int from, int size) {
+      const QPoint corner = bar->rect.topLeft() + (upright ? QPoint(0, from) : QPoint(from, 0));
+      const QRect area(corner, upright ? QSize(bar->rect.width(), size) : QSize(size, bar->rect.height()));
+      return upright ? area : visualRect(bar->direction, bar->rect, area);
+    };
+    switch (part) {
+      case SC_ScrollBarGroove:
+        return bar->rect;
+      case SC_ScrollBarSlider:
+        return stretch(start, knob);
+      case SC_ScrollBarSubPage:
+        return stretch(0, start);
+      case SC_ScrollBarAddPage:
+        return stretch(start + knob, length - start - knob);
+      default:
+        return {};
+    }
+  }
+
   QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                          const QWidget* widget) const override {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
@@ -52,6 +104,8 @@ class ApplicationStyle : public QProxyStyle {
     switch (metric) {
       case PM_MenuBarHMargin:
         return 5;
+      case PM_ScrollBarExtent:
+        return scrollBarExtent;
       case PM_MenuBarVMargin:
       case PM_MenuBarPanelWidth:
       case PM_MenuBarItemSpacing:
