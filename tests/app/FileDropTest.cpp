@@ -1,15 +1,14 @@
 #include "app/FileDrop.h"
 #include "tests/support/EventLoop.h"
 
-#include <QByteArray>
-#include <optional>
-#include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 namespace zarnet {
 namespace {
+
+using Files = std::vector<std::filesystem::path>;
 
 /// An item whose location arrives when the test says so.
 class LateItem : public ItemProvider {
@@ -20,51 +19,24 @@ class LateItem : public ItemProvider {
   std::function<void(std::optional<std::filesystem::path>)> done;
 };
 
-}  // namespace
-
-TEST(FileDrop, ReadsTheExactBytesOfAFileAddress) {
-  struct Case {
-    QByteArray address;
-    std::optional<std::string> path;
-  };
-  const Case cases[] = {
-      {"file:///music/take%201.flac", "/music/take 1.flac"},
-      {"file:///music/%FF%FE.wav", "/music/\xFF\xFE.wav"},
-      {"FILE://localhost/a/b.wav", "/a/b.wav"},
-      {"file:/a%25b.wav", "/a%b.wav"},
-      {"file://elsewhere/a.wav", std::nullopt},
-      {"https://example.org/a.wav", std::nullopt},
-      {"file:///a%00b", std::nullopt},
-      {"file://", std::nullopt},
-      {"", std::nullopt},
-  };
-  for (const Case& c : cases) {
-    const auto file = fileFromAddress(c.address);
-    EXPECT_EQ(file ? std::optional(file->string()) : std::nullopt, c.path) << c.address.toStdString();
-  }
-}
-
-TEST(FileDrop, SkipsCommentsAndKeepsTheOrderOfTheList) {
+TEST(FileDrop, ReadsTheExactBytesOfTheFilesInAList) {
   QMimeData data;
   data.setData("text/uri-list",
-               "# from a file manager\r\nfile:///b.wav\r\n\r\nhttps://x/\r\nfile:///a.wav\r\n");
-  const auto items = droppedItems(data);
-  ASSERT_EQ(items.size(), 3u);
-  std::optional<std::vector<std::filesystem::path>> loaded;
-  loadFiles(items, [&](std::vector<std::filesystem::path> files) { loaded = std::move(files); });
+               "# from a file manager\r\nfile:///music/take%201.flac\r\n\r\nhttps://example.org/a.wav\r\n"
+               "file:///music/%FF%FE.wav\r\nFILE://localhost/a/b.wav\r\nfile:/a%25b.wav\r\n"
+               "file://elsewhere/a.wav\r\nfile:///a%00b\r\nfile://\r\n");
+  std::optional<Files> loaded;
+  loadFiles(droppedItems(data), [&](Files files) { loaded = std::move(files); });
   ASSERT_TRUE(test::eventually([&] { return loaded.has_value(); }));
-  EXPECT_EQ(*loaded, (std::vector<std::filesystem::path>{"/b.wav", "/a.wav"}));
+  EXPECT_EQ(*loaded, (Files{"/music/take 1.flac", "/music/\xFF\xFE.wav", "/a/b.wav", "/a%b.wav"}));
 }
 
 TEST(FileDrop, KeepsTheDroppedOrderWhenItemsAnswerInReverseFromOtherThreads) {
-  std::vector<std::shared_ptr<LateItem>> late;
-  std::vector<std::shared_ptr<ItemProvider>> items;
-  for (int i = 0; i < 4; ++i) {
-    late.push_back(std::make_shared<LateItem>());
-    items.push_back(late.back());
-  }
-  std::optional<std::vector<std::filesystem::path>> loaded;
-  loadFiles(items, [&](std::vector<std::filesystem::path> files) { loaded = std::move(files); });
+  std::vector<std::shared_ptr<LateItem>> late(4);
+  for (auto& item : late)
+    item = std::make_shared<LateItem>();
+  std::optional<Files> loaded;
+  loadFiles({late.begin(), late.end()}, [&](Files files) { loaded = std::move(files); });
   std::jthread([&] { late[3]->done("/3"); }).join();
   std::jthread([&] { late[2]->done(std::nullopt); }).join();
   std::jthread([&] { late[1]->done("/1"); }).join();
@@ -72,7 +44,8 @@ TEST(FileDrop, KeepsTheDroppedOrderWhenItemsAnswerInReverseFromOtherThreads) {
   EXPECT_FALSE(loaded.has_value());
   late[0]->done("/0");
   ASSERT_TRUE(test::eventually([&] { return loaded.has_value(); }));
-  EXPECT_EQ(*loaded, (std::vector<std::filesystem::path>{"/0", "/1", "/3"}));
+  EXPECT_EQ(*loaded, (Files{"/0", "/1", "/3"}));
 }
 
+}  // namespace
 }  // namespace zarnet

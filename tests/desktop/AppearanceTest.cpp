@@ -6,22 +6,14 @@
 #include "tests/support/ScratchFolder.h"
 
 #include <QDBusMessage>
-#include <memory>
-#include <optional>
-#include <string>
+#include <csignal>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
 namespace zarnet {
 namespace {
 
-using test::eventually;
-using test::readFile;
-using test::RunningProgram;
-using test::ScratchFolder;
-using test::writeFile;
+using namespace test;
 
 bool isDark() {
   return tokens(QGuiApplication::palette()).dark;
@@ -31,26 +23,18 @@ bool isDark() {
 class Appearances : public testing::Test {
  protected:
   void SetUp() override {
-    const std::string place = "unix:path=" + (folder / "bus").string();
     writeFile(folder / "bus.conf",
-              "<busconfig><type>session</type><listen>" + place +
+              "<busconfig><type>session</type><listen>" + address.toStdString() +
                   "</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
                   "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy></busconfig>");
-    address = QString::fromStdString(place);
     daemon.emplace(std::vector<std::string>{"dbus-daemon", "--nofork",
                                             "--config-file=" + (folder / "bus.conf").string()});
     ASSERT_TRUE(eventually([&] {
-      bus = QDBusConnection::connectToBus(address, "appearance");
-      if (!bus.isConnected()) QDBusConnection::disconnectFromBus("appearance");
-      return bus.isConnected();
+      QDBusConnection::disconnectFromBus("appearance");
+      return QDBusConnection::connectToBus(address, "appearance").isConnected();
     }));
     QGuiApplication::setPalette(lightPalette());
-    appearance = new Appearance(*qGuiApp, bus);
-  }
-
-  void TearDown() override {
-    delete appearance;
-    QDBusConnection::disconnectFromBus("appearance");
+    appearance = std::make_unique<Appearance>(*qGuiApp, QDBusConnection("appearance"));
   }
 
   void startPortal(int scheme) {
@@ -60,47 +44,36 @@ class Appearances : public testing::Test {
                    output.descriptor());
     ASSERT_TRUE(eventually([&] { return readFile(folder / "said") == "ready\n"; }));
   }
-
   void changeScheme(uint scheme) {
-    QDBusMessage change =
+    auto change =
         QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
                                        "org.freedesktop.portal.Settings", "Set");
-    bus.send(change << scheme);
+    QDBusConnection("appearance").send(change << scheme);
   }
 
-  ScratchFolder folder;
-  QString address;
+  const ScratchFolder folder;
+  const QString address = QString::fromStdString("unix:path=" + (folder / "bus").string());
   std::optional<RunningProgram> daemon;
   std::optional<RunningProgram> portal;
-  QDBusConnection bus{QString()};
-  Appearance* appearance = nullptr;
+  std::unique_ptr<Appearance> appearance;
 };
 
-TEST_F(Appearances, FollowThePortalAtOnceAndAsItChanges) {
+TEST_F(Appearances, FollowThePortalAtOnceAsItChangesAndWhenItComesBack) {
   startPortal(1);
   appearance->choose(std::nullopt);
-  EXPECT_TRUE(isDark()) << "the first window must not come up in the wrong colours";
-  EXPECT_EQ(QGuiApplication::palette(), darkPalette());
-  changeScheme(2);
-  ASSERT_TRUE(eventually([&] { return !isDark(); }));
-  changeScheme(1);
-  ASSERT_TRUE(eventually([&] { return isDark(); }));
-  changeScheme(0);
-  ASSERT_TRUE(eventually([&] { return !isDark(); })) << "no preference falls back to the platform's palette";
-  appearance->choose(ColorScheme::dark);
-  EXPECT_TRUE(isDark()) << "the user's choice counts whatever the desktop wants";
-}
-
-TEST_F(Appearances, HearAPortalThatComesLaterAndKeepItsWordWhenItGoes) {
-  appearance->choose(std::nullopt);
-  EXPECT_FALSE(isDark());
-  startPortal(1);
-  ASSERT_TRUE(eventually([&] { return isDark(); }));
+  EXPECT_EQ(QGuiApplication::palette(), darkPalette())
+      << "the first window must not come up in the wrong colours";
+  for (const uint scheme : {2, 1, 0, 1}) {
+    changeScheme(scheme);
+    ASSERT_TRUE(eventually([&] { return isDark() == (scheme == 1); })) << scheme;
+  }
   portal.reset();
-  test::runPendingEvents();
-  EXPECT_TRUE(isDark());
+  runPendingEvents();
+  EXPECT_TRUE(isDark()) << "its word is kept when it goes";
   startPortal(2);
   ASSERT_TRUE(eventually([&] { return !isDark(); }));
+  appearance->choose(ColorScheme::dark);
+  EXPECT_TRUE(isDark()) << "the user's choice counts whatever the desktop wants";
 }
 
 TEST_F(Appearances, DoNotWaitForAFrozenPortalButHearItWhenItThaws) {

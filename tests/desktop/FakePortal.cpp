@@ -7,13 +7,11 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <cstdio>
-#include <string>
 
 namespace {
 
 const QString place = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString group = QStringLiteral("org.freedesktop.appearance");
-const QString key = QStringLiteral("color-scheme");
+const QStringList setting = {QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")};
 
 class Settings : public QDBusVirtualObject {
  public:
@@ -22,27 +20,23 @@ class Settings : public QDBusVirtualObject {
   QString introspect(const QString&) const override { return {}; }
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-    const QList<QVariant> arguments = message.arguments();
     if (message.member() == "Set") {
-      scheme = arguments.value(0).toUInt();
-      announce(bus, group, QStringLiteral("contrast"), 3 - scheme);
-      announce(bus, group, key, scheme);
-      announce(bus, QStringLiteral("another.group"), key, 3 - scheme);
+      scheme = message.arguments().value(0).toUInt();
+      for (const QStringList& changed :
+           {QStringList{setting[0], "contrast"}, setting, {"another", setting[1]}}) {
+        auto signal = QDBusMessage::createSignal(place, "org.freedesktop.portal.Settings", "SettingChanged");
+        const uint value = changed == setting ? scheme : 3 - scheme;
+        bus.send(signal << changed[0] << changed[1] << QVariant::fromValue(QDBusVariant(value)));
+      }
       return true;
     }
-    if (message.member() != "Read" || arguments != QList<QVariant>{group, key}) return false;
+    if (message.member() != "Read" || message.arguments() != QList<QVariant>{setting[0], setting[1]})
+      return false;
     const QDBusVariant once{QVariant(scheme)};
     return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(once)))));
   }
 
  private:
-  static void announce(const QDBusConnection& bus, const QString& changedGroup, const QString& changedKey,
-                       uint value) {
-    QDBusMessage signal =
-        QDBusMessage::createSignal(place, "org.freedesktop.portal.Settings", "SettingChanged");
-    bus.send(signal << changedGroup << changedKey << QVariant::fromValue(QDBusVariant(value)));
-  }
-
   uint scheme;
 };
 
@@ -51,7 +45,7 @@ class Settings : public QDBusVirtualObject {
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   QDBusConnection bus = QDBusConnection::connectToBus(QString::fromUtf8(argv[1]), "portal");
-  Settings settings(static_cast<uint>(std::stoul(argv[2])));
+  Settings settings(QString::fromUtf8(argv[2]).toUInt());
   if (!bus.registerVirtualObject(place, &settings) || !bus.registerService("org.freedesktop.portal.Desktop"))
     return 1;
   std::puts("ready");
