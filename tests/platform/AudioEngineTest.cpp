@@ -6,10 +6,7 @@
 
 #include <atomic>
 #include <span>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -8,11 +8,6 @@
 #include "tests/support/Signals.h"
 #include "tests/support/TagBytes.h"
 
-#include <filesystem>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 namespace zarnet::test {

@@ -5,9 +5,7 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
 #include <cmath>
-#include <string>
 
 #include <gtest/gtest.h>
 

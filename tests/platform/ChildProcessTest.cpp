@@ -3,9 +3,7 @@
 #include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"
 
-#include <array>
 #include <csignal>
-#include <string>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

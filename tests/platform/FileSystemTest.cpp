@@ -4,9 +4,6 @@
 #include "tests/support/Failures.h"
 #include "tests/support/ScratchFolder.h"
 
-#include <filesystem>
-#include <string>
-
 #include <gtest/gtest.h>
 
 namespace zarnet {

@@ -3,9 +3,6 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/TagBytes.h"
 
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 namespace zarnet::test {

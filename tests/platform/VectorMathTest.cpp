@@ -1,7 +1,5 @@
 #include "platform/VectorMath.h"
 
-#include <vector>
-
 #include <gtest/gtest.h>
 
 namespace zarnet {

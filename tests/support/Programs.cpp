@@ -4,8 +4,6 @@
 #include "tests/support/Wait.h"
 
 #include <csignal>
-#include <fstream>
-#include <stdexcept>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -3,12 +3,7 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <string>
-#include <tuple>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

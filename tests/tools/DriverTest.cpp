@@ -3,13 +3,7 @@
 #include "tests/support/Signals.h"
 #include "tests/support/Wait.h"
 
-#include <algorithm>
 #include <csignal>
-#include <filesystem>
-#include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

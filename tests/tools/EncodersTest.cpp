@@ -5,11 +5,6 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <string>
-#include <utility>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
