@@ -2,12 +2,14 @@
 
 #include "app/controls/Artwork.h"
 #include "app/controls/ClockText.h"
+#include "app/controls/Picker.h"
 #include "app/controls/SideCard.h"
 #include "app/controls/Slider.h"
 #include "app/controls/Spinner.h"
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <cmath>
@@ -58,6 +60,32 @@ class SliderInterface : public QAccessibleWidget, public QAccessibleValueInterfa
   Slider* slider() const { return static_cast<Slider*>(widget()); }
 };
 
+/// A picker that is called by its label and described by its choice; the toolkit's own names it by the
+/// choice.
+class PickerInterface : public QAccessibleWidget {
+ public:
+  explicit PickerInterface(Picker* picker) : QAccessibleWidget(picker, QAccessible::ComboBox) {}
+
+  QString text(QAccessible::Text kind) const override {
+    if (kind == QAccessible::Value || kind == QAccessible::Description) return picker()->currentText();
+    return QAccessibleWidget::text(kind);
+  }
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.expandable = true;
+    state.expanded = picker()->view()->isVisible();
+    return state;
+  }
+  QStringList actionNames() const override { return {showMenuAction(), setFocusAction()}; }
+  void doAction(const QString& name) override {
+    if (name == showMenuAction()) return picker()->showPopup();
+    QAccessibleWidget::doAction(name);
+  }
+
+ private:
+  Picker* picker() const { return static_cast<Picker*>(widget()); }
+};
+
 /// Something for the eye only, which screen readers pass over.
 class DecorationInterface : public QAccessibleWidget {
  public:
@@ -73,6 +101,7 @@ class DecorationInterface : public QAccessibleWidget {
 QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
   if (auto* button = qobject_cast<SelectableButton*>(object)) return new SelectableInterface(button);
   if (auto* slider = qobject_cast<Slider*>(object)) return new SliderInterface(slider);
+  if (auto* picker = qobject_cast<Picker*>(object)) return new PickerInterface(picker);
   if (auto* text = qobject_cast<Text*>(object)) return new QAccessibleWidget(text, QAccessible::StaticText);
   if (auto* clock = qobject_cast<ClockText*>(object))
     return new QAccessibleWidget(clock, QAccessible::StaticText);

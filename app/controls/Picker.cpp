@@ -6,6 +6,7 @@
 #include "desktop/Palette.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -18,6 +19,10 @@ Picker::Picker(QWidget* parent) : QComboBox(parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   setMaxVisibleItems(20);
   view()->setFont(font());
+  connect(this, &QComboBox::currentTextChanged, this, [this] {
+    QAccessibleEvent event(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&event);
+  });
 }
 
 void Picker::paintEvent(QPaintEvent*) {
