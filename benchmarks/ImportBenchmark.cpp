@@ -36,7 +36,8 @@ BENCHMARK(import100Songs)->Unit(benchmark::kMillisecond);
 void merge2000Songs(benchmark::State& state) {
   const test::ScratchFolder folder;
   std::vector<std::filesystem::path> files = {folder / "0.flac"};
-  test::ffmpeg({"-f", "lavfi", "-i", "anoisesrc=d=0.1", "-metadata", "title=Harbour at Dawn", files.front()});
+  test::runScript(folder.path(),
+                  "ffmpeg -f lavfi -i anoisesrc=d=0.1 -metadata title='Harbour at Dawn' 0.flac");
   for (int i = 1; i < 2000; ++i) {
     files.push_back(folder / (std::to_string(i) + ".flac"));
     std::filesystem::create_hard_link(files.front(), files.back());

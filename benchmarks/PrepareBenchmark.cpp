@@ -45,8 +45,7 @@ const std::filesystem::path& source() {
   static const test::ScratchFolder scratch;
   static const std::filesystem::path path = [] {
     test::writeWave(scratch / "passage.wav", test::music(44100, 2, 20), test::SampleType::int24);
-    test::ffmpeg({"-stream_loop", "59", "-i", (scratch / "passage.wav").string(), "-t", "1200",
-                  (scratch / "music.flac").string()});
+    test::runScript(scratch.path(), "ffmpeg -stream_loop 59 -i passage.wav -t 1200 music.flac");
     return scratch / "music.flac";
   }();
   return path;

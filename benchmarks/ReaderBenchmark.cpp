@@ -7,23 +7,19 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <benchmark/benchmark.h>
 
 namespace zarnet::benchmarks {
 namespace {
 
-using Options = std::vector<std::string>;
-
 /// The 20 minutes in another form, made by ffmpeg and removed at the end of the scope.
 class Converted {
  public:
-  Converted(const std::string& name, const Options& options) : path(twentyMinutes().parent_path() / name) {
-    Options arguments = {"-i", twentyMinutes().string()};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.push_back(path.string());
-    test::ffmpeg(arguments);
+  Converted(const std::string& name, const std::string& options)
+      : path(twentyMinutes().parent_path() / name) {
+    const std::string source = twentyMinutes().filename().string();
+    test::runScript(path.parent_path(), "ffmpeg -i " + source + " " + options + " " + name);
   }
   ~Converted() { std::filesystem::remove(path); }
   Converted(const Converted&) = delete;
@@ -66,29 +62,29 @@ void loadFloatCaf(benchmark::State& state) {
 }
 BENCHMARK(loadFloatCaf)->Unit(benchmark::kMillisecond)->Iterations(5);
 
-void loadConverted(benchmark::State& state, const std::string& name, const Options& options) {
+void loadConverted(benchmark::State& state, const std::string& name, const std::string& options) {
   const Converted file(name, options);
   load(state, file.path);
 }
-BENCHMARK_CAPTURE(loadConverted, wave16, "a.wav", Options{"-c:a", "pcm_s16le"})
+BENCHMARK_CAPTURE(loadConverted, wave16, "a.wav", "-c:a pcm_s16le")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(5);
-BENCHMARK_CAPTURE(loadConverted, wave24, "a.wav", Options{"-c:a", "pcm_s24le"})
+BENCHMARK_CAPTURE(loadConverted, wave24, "a.wav", "-c:a pcm_s24le")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(5);
-BENCHMARK_CAPTURE(loadConverted, aiff24, "a.aiff", Options{"-c:a", "pcm_s24be"})
+BENCHMARK_CAPTURE(loadConverted, aiff24, "a.aiff", "-c:a pcm_s24be")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(5);
-BENCHMARK_CAPTURE(loadConverted, flac24, "a.flac", Options{"-c:a", "flac", "-sample_fmt", "s32"})
+BENCHMARK_CAPTURE(loadConverted, flac24, "a.flac", "-c:a flac -sample_fmt s32")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(2);
-BENCHMARK_CAPTURE(loadConverted, appleLossless24, "a.m4a", Options{"-c:a", "alac"})
+BENCHMARK_CAPTURE(loadConverted, appleLossless24, "a.m4a", "-c:a alac")
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 
 /// What an import asks of each file.
 void inspectFlac(benchmark::State& state) {
-  const Converted file("a.flac", {"-c:a", "flac"});
+  const Converted file("a.flac", "-c:a flac");
   for ([[maybe_unused]] auto _ : state) {
     AudioFileReader reader(file.path);
     benchmark::DoNotOptimize(reader.length());

@@ -1,5 +1,4 @@
 #include "audio/Alignment.h"
-#include "tests/support/LoadedSignal.h"
 #include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>

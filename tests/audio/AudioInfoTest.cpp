@@ -14,8 +14,7 @@ using test::ScratchFolder;
 TEST(InspectAudio, DescribesAFileAsItIsStored) {
   const ScratchFolder scratch;
   writeWave(scratch / "source.wav", test::noise(44100, 1, 66'150, 0.5, 3));
-  test::ffmpeg({"-i", (scratch / "source.wav").string(), "-c:a", "pcm_s16be", "-ar", "22050",
-                (scratch / "a.aiff").string()});
+  test::runScript(scratch.path(), "ffmpeg -i source.wav -c:a pcm_s16be -ar 22050 a.aiff");
   const AudioInfo info = inspectAudio(scratch / "a.aiff");
   EXPECT_EQ(info.duration, 1.5);
   EXPECT_EQ(info.channels, 1u);

@@ -1,5 +1,4 @@
 #include "audio/PCM.h"
-#include "tests/support/LoadedSignal.h"
 #include "tests/support/Signals.h"
 
 #include <bit>

@@ -3,10 +3,12 @@
 #include "platform/FileSystem.h"
 #include "platform/PlatformError.h"
 #include "tests/support/Failures.h"
-#include "tests/support/FileSizeLimit.h"
 #include "tests/support/ScratchFolder.h"
 
+#include <csignal>
+
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 namespace zarnet {
 namespace {
@@ -38,12 +40,17 @@ TEST(WriteAtomically, SaysInOneSentenceWhyItCouldNotAndLeavesTheOldFileIntact) {
       {"folder", "“folder” could not be written: Is a directory."},
       {longName, "“" + longName + "” could not be written: File name too long."},
       {"results.png", "“results.png” could not be written: File too large."}};
+  rlimit usual{};
+  getrlimit(RLIMIT_FSIZE, &usual);
+  const rlimit noRoomForAll = {4096, usual.rlim_max};
+  std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &noRoomForAll);
   for (const auto& [name, sentence] : cases) {
-    const FileSizeLimit noRoomForAll(4096);
     const std::string content(name == "results.png" ? 100'000 : 1, 'n');
     const auto write = [&, &file = name] { writeAtomically(folder / file, content); };
     EXPECT_EQ(failureOf<PlatformError>(write), sentence);
   }
+  setrlimit(RLIMIT_FSIZE, &usual);
   EXPECT_EQ(readFile(folder / "results.png"), "old");
   EXPECT_THAT(folderEntries(folder.path()), testing::UnorderedElementsAreArray(before));
 }

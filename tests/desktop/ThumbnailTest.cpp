@@ -1,5 +1,5 @@
 #include "desktop/Thumbnail.h"
-#include "tests/support/TagBytes.h"
+#include "tests/support/ScratchFolder.h"
 
 #include <QBuffer>
 #include <QPainter>

@@ -1,22 +1,17 @@
 #pragma once
 
-#include "platform/FileSystem.h"
+#include "platform/FileHandle.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
+
+#include <sys/mman.h>
 
 namespace zarnet::fuzz {
 
-/// A folder for the files of one fuzzing run.
-struct Folder {
-  Folder() : path(temporaryFolder() / ("zarnet-fuzz-" + newUUID())) { createPrivateFolder(path); }
-  ~Folder() { removeAll(path); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-
-  const std::filesystem::path path;
-};
+/// The location of a new empty file in memory, which lasts as long as the process.
+inline std::filesystem::path memoryFile() {
+  return "/proc/self/fd/" + std::to_string(memfd_create("fuzz", MFD_CLOEXEC));
+}
 
 /// Ends the run unless the claim holds.
 inline void expect(bool holds, const char* claim) {

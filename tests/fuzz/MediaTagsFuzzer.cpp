@@ -2,20 +2,14 @@
 // thumbnails or none.
 
 #include "desktop/Thumbnail.h"
-#include "platform/FileHandle.h"
 #include "platform/MediaTags.h"
 #include "platform/Text.h"
 #include "tests/fuzz/Fuzzing.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-
 using zarnet::fuzz::expect;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const zarnet::fuzz::Folder folder;
-  const std::filesystem::path file = folder.path / "file";
+  static const std::filesystem::path file = zarnet::fuzz::memoryFile();
   zarnet::FileHandle::createForWriting(file).write(data, size);
 
   const zarnet::MediaTags tags = zarnet::readMediaTags(file);

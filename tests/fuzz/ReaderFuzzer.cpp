@@ -1,20 +1,12 @@
 // Any bytes are an audio file: it opens or is refused with a sentence, and what it holds is read to the end.
 
 #include "platform/AudioFileReader.h"
-#include "platform/FileHandle.h"
 #include "platform/LinearPCM.h"
 #include "platform/PlatformError.h"
 #include "tests/fuzz/Fuzzing.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <filesystem>
-#include <string>
 #include <vector>
-
-#include <sys/mman.h>
 
 using zarnet::fuzz::expect;
 
@@ -49,8 +41,7 @@ void readFile(const std::filesystem::path& path) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const int memory = memfd_create("fuzz", MFD_CLOEXEC);
-  static const std::filesystem::path path = "/proc/self/fd/" + std::to_string(memory);
+  static const std::filesystem::path path = zarnet::fuzz::memoryFile();
   zarnet::FileHandle::createForWriting(path).write(data, size);
   try {
     readFile(path);

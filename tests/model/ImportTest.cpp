@@ -26,7 +26,7 @@ TEST_F(Import, AddsEachAcceptedFileOnceInOrderAndTellsAboutTheOthers) {
   const auto first = track("first").url;
   const auto second = track("second").url;
   const auto empty = writeWave(scratch / "empty.wav", sine(48000, 2, 0, 440, 0.5));
-  ffmpeg({"-i", first, scratch / "lossy.mp3"});
+  runScript(scratch.path(), "ffmpeg -i first.wav lossy.mp3");
   model->error = "earlier";
   EXPECT_THAT(titlesAfter({second, first, scratch / "." / "tmp" / ".." / "second.wav"}),
               ElementsAre("second", "first"));

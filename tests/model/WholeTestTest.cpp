@@ -40,14 +40,13 @@ class WholeTest : public Models {
 };
 
 TEST_F(WholeTest, RunsFromTheImportToTheSavedResults) {
-  const std::string wave = writeWave(scratch / "source.wav", music(44100, 2, 6, 1), SampleType::int16);
+  writeWave(scratch / "source.wav", music(44100, 2, 6, 1), SampleType::int16);
   const std::string third = writeWave(scratch / "third.wav", music(48000, 2, 6, 3), SampleType::int24);
-  ffmpeg({"-f", "lavfi", "-i", "color=red:s=600x300", "-frames:v", "1", scratch / "cover.jpg"});
-  ffmpeg({"-i", wave, "-i", scratch / "cover.jpg", "-map", "0", "-map", "1", "-disposition:v", "attached_pic",
-          "-metadata", "title=Song/Live", "-metadata", "artist=Band", "-metadata", "album=Record",
-          scratch / "first.flac"});
-  ffmpeg({"-i", wave, "-ac", "1", "-c:a", "alac", scratch / "second.m4a"});
-  ffmpeg({"-i", wave, scratch / "lossy.mp3"});
+  runScript(scratch.path(), R"(
+    ffmpeg -f lavfi -i color=red:s=600x300 -frames:v 1 cover.jpg
+    ffmpeg -i source.wav -i cover.jpg -map 0 -map 1 -disposition:v attached_pic \
+      -metadata title=Song/Live -metadata artist=Band -metadata album=Record first.flac
+    ffmpeg -i source.wav -ac 1 -c:a alac second.m4a lossy.mp3)");
 
   model->choose();
   sheets.openPanels.at(0).done(

@@ -2,20 +2,13 @@
 #include "platform/PlatformError.h"
 #include "tests/support/Failures.h"
 #include "tests/support/PulseServer.h"
-#include "tests/support/Wait.h"
 
 #include <atomic>
-#include <span>
-#include <thread>
-
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
 TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
-  const std::vector<std::string> noSinks;
-  const PulseServer empty(noSinks);
-  const PulseServer dummy(noSinks);
+  const PulseServer dummy(std::vector<std::string>{});
   dummy.control("load-module module-always-sink");
   const PulseServer frozen;
   frozen.freeze();
@@ -28,7 +21,6 @@ TEST(AudioEngine, SaysWhyNoOutputIsAvailable) {
   };
   const std::pair<std::string, std::string> cases[] = {
       {"unix:/nonexistent/socket", "The audio server could not be reached: Connection refused."},
-      {empty.address(), "The audio server refused the stream: No such entity."},
       {dummy.address(), "There is no output device."},
       {frozen.address(), "The audio server does not answer."},
   };
@@ -56,7 +48,7 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   std::string reason;
   EXPECT_TRUE(waitUntil([&] {
     reason = failureOf<PlatformError>([&] { engine->start(1); });
-    EXPECT_TRUE(reason.empty() || !engine->isRunning());
+    EXPECT_NE(engine->isRunning(), !reason.empty());
     engine->stop();
     return !reason.empty();
   }));

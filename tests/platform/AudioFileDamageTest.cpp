@@ -4,11 +4,7 @@
 #include "platform/PlatformError.h"
 #include "tests/support/Failures.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
-#include "tests/support/TagBytes.h"
-
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -17,10 +13,6 @@ namespace {
 /// Replaces bytes that lie `behind` the end of a mark.
 std::string patched(std::string file, const std::string& mark, std::size_t behind, const std::string& bytes) {
   return file.replace(file.find(mark) + mark.size() + behind, bytes.size(), bytes);
-}
-
-std::string cutOff(const std::string& file) {
-  return file.substr(0, file.size() - 1);
 }
 
 /// What opening and reading the whole file says; empty when it succeeds.
@@ -35,10 +27,10 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
   constexpr std::int64_t count = 50'021;
   writeWave(scratch / "in.wav", noise(48000, 2, count, 0.5, 3), SampleType::int16);
   runScript(scratch.path(), R"(
-    ffmpeg -i in.wav -bitexact a.wav -bitexact -rf64 always rf64.wav -bitexact a.aiff -bitexact a.caf \
+    ffmpeg -i in.wav -bitexact -rf64 always rf64.wav -bitexact a.aiff -bitexact a.caf \
       -c:a alac -sample_fmt s16p -movflags faststart a.m4a
     flac -s --no-padding -b 4096 in.wav -o a.flac)");
-  const std::string wave = readFile(scratch / "a.wav");
+  const std::string wave = readFile(scratch / "in.wav");
   const std::string wide = readFile(scratch / "rf64.wav");
   const std::string aiff = readFile(scratch / "a.aiff");
   const std::string caf = readFile(scratch / "a.caf");
@@ -48,15 +40,12 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
   const auto total = [&](std::uint64_t frames) {
     return patched(flac, "fLaC", 14, bigEndian(48000ULL << 44 | 1ULL << 41 | 15ULL << 36 | frames, 8));
   };
-  const auto sized = [](const std::string& file, std::uint64_t bytes) {
-    return patched(file, "data", 0, bigEndian(bytes, 8));
-  };
   const struct {
     const char* name;
     std::string bytes;
     std::int64_t frames;
   } cases[] = {
-      {"WAVE cut off in a frame", cutOff(wave), count - 1},
+      {"WAVE cut off in a frame", wave.substr(0, wave.size() - 1), count - 1},
       {"WAVE whose sizes were never written", patched(patched(wave, "RIFF", 0, zero), "data", 0, zero),
        count},
       {"WAVE that announces gigabytes", patched(wave, "data", 0, littleEndian(0xFFFFFF00, 4)), count},
@@ -64,40 +53,29 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
       {"BW64", patched(wide, "", 0, "BW64"), count},
       {"RF64 with fewer frames", patched(wide, "ds64", 12, littleEndian(12, 8)), 3},
       {"RF64 of petabytes", patched(wide, "ds64", 12, littleEndian(1ULL << 60, 8)), count},
-      {"RF64 of negative size", patched(wide, "ds64", 12, littleEndian(1ULL << 63, 8)), count},
-      {"AIFF cut off", cutOff(aiff), count - 1},
-      {"AIFF whose sizes were never written",
-       patched(patched(patched(aiff, "FORM", 0, zero), "COMM", 6, zero), "SSND", 0, zero), count},
       {"AIFF with the sound first", aiff.substr(0, 12) + aiff.substr(38) + aiff.substr(12, 26), count},
       {"AIFF that announces billions", patched(aiff, "COMM", 6, bigEndian(0xFFFFFFFF, 4)), count},
       {"AIFF that announces fewer frames", patched(aiff, "COMM", 6, bigEndian(7, 4)), 7},
-      {"CAF cut off", cutOff(caf), count - 1},
-      {"CAF, open-ended", sized(caf, ~0ULL), count},
-      {"CAF of petabytes", sized(caf, 1ULL << 60), count},
+      {"CAF, open-ended", patched(caf, "data", 0, bigEndian(~0ULL, 8)), count},
       {"FLAC with no total", total(0), count},
       {"FLAC with a smaller total", total(20'000), count},
-      {"FLAC with the largest total", total((1ULL << 36) - 1), count},
-      {"FLAC cut off in the last frame", cutOff(flac), 12L * 4096},
-      {"FLAC cut off in the first frame", flac.substr(0, 9'000), 0},
-      {"Apple Lossless cut off", cutOff(alac), 12L * 4096},
+      {"FLAC cut off in the last frame", flac.substr(0, flac.size() - 1), 12L * 4096},
+      {"Apple Lossless cut off", alac.substr(0, alac.size() - 1), 12L * 4096},
   };
   const std::vector<std::vector<float>> whole = readSignal(scratch / "in.wav").planes;
   for (const auto& [name, bytes, frames] : cases) {
     SCOPED_TRACE(name);
     const Signal read = readSignal(writeFile(scratch / "file", bytes));
-    ASSERT_EQ(read.count(), frames);
-    for (const std::size_t channel : {0, 1}) {
-      const auto begin = whole[channel].begin();
-      EXPECT_EQ(read.planes[channel], std::vector<float>(begin, begin + frames));
-    }
+    std::vector<std::vector<float>> expected = whole;
+    for (auto& plane : expected)
+      plane.resize(static_cast<std::size_t>(frames));
+    EXPECT_EQ(read.planes, expected);
   }
 
-  const std::size_t middle = flac.size() / 2;
-  std::string flipped = flac;
-  flipped[middle] ^= 4;
-  for (const std::string& damaged : {flipped, std::string(flac).erase(middle, 20'000)})
-    EXPECT_EQ(refusal(writeFile(scratch / "damaged", damaged)),
-              "“damaged” could not be decoded: It is damaged.");
+  std::string damaged = flac;
+  damaged[flac.size() / 2] ^= 4;
+  EXPECT_EQ(refusal(writeFile(scratch / "damaged", damaged)),
+            "“damaged” could not be decoded: It is damaged.");
 
   // A table that announces more packets than any file holds must be neither believed nor allocated.
   const std::string bomb = patched(alac, "stsz", 4, bigEndian(1, 4) + bigEndian(0x0555'5555, 4));
@@ -114,24 +92,18 @@ TEST(AudioFileDamage, WhatIsNoAudioFileIsRefusedWithItsNameAndTheReason) {
     mkfifo pipe
     : >empty
     printf '#EXTM3U\n#EXTINF:1,\nreal.wav\n' >list.m3u8
-    printf 'ffconcat version 1.0\nfile real.wav\n' >list.ffconcat
     ffmpeg -f lavfi -i testsrc=s=64x64:d=0.2 silent.mp4 -frames:v 1 image.png
     flac -s 32.wav
-    ffmpeg -i real.wav real.flac real.m4a
-    for kind in wav flac m4a; do head -c 40 real.$kind >header.$kind; done)");
+    head -c 40 real.wav >header.wav)");
   const std::string unknown = "It is not an audio file of a supported format";
-  const std::string incomplete = "Its header is damaged or incomplete";
   const std::pair<std::string, std::string> cases[] = {
       {"-'missing\n.wav", "No such file or directory"},
       {"folder", "Is a directory"},
       {"pipe", "It is not an ordinary file"},
       {"empty", "The file is empty"},
       {"list.m3u8", unknown},
-      {"list.ffconcat", unknown},
       {"image.png", unknown},
-      {"header.wav", incomplete},
-      {"header.flac", incomplete},
-      {"header.m4a", incomplete},
+      {"header.wav", "Its header is damaged or incomplete"},
       {"silent.mp4", "It holds no audio"},
       {"32.flac", "FLAC audio of more than 24 bits is not supported"},
   };

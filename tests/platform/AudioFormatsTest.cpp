@@ -2,12 +2,9 @@
 
 #include "platform/AudioFileReader.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
 #include <cmath>
-
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -29,7 +26,6 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
   constexpr std::uint32_t pcm = fourCharacterCode("lpcm");
   constexpr std::uint32_t flac = fourCharacterCode("flac");
   constexpr std::uint32_t alac = fourCharacterCode("alac");
-  constexpr std::uint32_t other = fourCharacterCode("????");
   const struct {
     std::string name;
     std::string options;
@@ -37,32 +33,22 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
     int bits;  ///< 0 for lossy ones
   } cases[] = {
       {"u8.wav", "pcm_u8", pcm, 8},
-      {"16.wav", "pcm_s16le", pcm, 16},
       {"sowt.aiff", "pcm_s16le", pcm, 16},
-      {"16.caf", "pcm_s16be", pcm, 16},
-      {"16.mov", "pcm_s16le", pcm, 16},
-      {"16.flac", "flac -sample_fmt s16", flac, 16},
       {"flac.oga", "flac -sample_fmt s16", flac, 16},
       {"16.m4a", "alac -sample_fmt s16p", alac, 16},
-      {"24.wav", "pcm_s24le", pcm, 24},
       {"rf64.wav", "pcm_s24le -rf64 always", pcm, 24},
       {"24.aiff", "pcm_s24be", pcm, 24},
       {"24.caf", "pcm_s24le", pcm, 24},
       {"24.flac", "flac -sample_fmt s32 -bits_per_raw_sample 24", flac, 24},
-      {"flac.mp4", "flac -strict -2", flac, 24},
-      {"flac.caf", "flac", flac, 24},
-      {"24.m4a", "alac", alac, 24},
       {"alac24.caf", "alac", alac, 24},
       {"32.wav", "pcm_s32le", pcm, 32},
-      {"float.wav", "pcm_f32le", pcm, 32},
       {"float.aiff", "pcm_f32be", pcm, 32},
       {"double.caf", "pcm_f64le", pcm, 64},
       {"a.mp3", "libmp3lame", fourCharacterCode(".mp3"), 0},
       {"a.m4a", "aac", fourCharacterCode("aac "), 0},
       {"a.ogg", "libvorbis", fourCharacterCode("vorb"), 0},
       {"a.opus", "libopus", fourCharacterCode("opus"), 0},
-      {"mulaw.wav", "pcm_mulaw", fourCharacterCode("ulaw"), 0},
-      {"adpcm.wav", "adpcm_ms", other, 0},
+      {"adpcm.wav", "adpcm_ms", fourCharacterCode("????"), 0},
   };
   const ScratchFolder scratch;
   for (const auto& [name, options, formatID, bits] : cases) {
@@ -74,7 +60,6 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
     EXPECT_EQ(reader.fileFormat().formatID, formatID);
     EXPECT_EQ(reader.fileFormat().bitsPerChannel, static_cast<std::uint32_t>(bits));
     EXPECT_EQ(reader.fileFormat().sampleRate, 48000);
-    EXPECT_EQ(reader.fileFormat().channelsPerFrame, 2u);
     if (bits == 0) {
       EXPECT_NEAR(static_cast<double>(reader.length()), static_cast<double>(source.count()), 2'100);
     } else {
@@ -103,11 +88,9 @@ TEST(AudioFormats, TheFirstAudioStreamIsRead) {
   runScript(scratch.path(), R"(
     ffmpeg -f lavfi -i testsrc=s=64x64:d=0.3 video.mp4 -frames:v 1 cover.png
     ffmpeg -f lavfi -i sine -t 0.3 second.wav
-    ffmpeg -i video.mp4 -i first.wav -i second.wav -map 0 -map 1 -map 2 -c:a flac several.mkv
     ffmpeg -i video.mp4 -i first.wav -i second.wav -map 0 -map 1 -map 2 -c:a alac several.mov
-    ffmpeg -i cover.png -i first.wav -map 0 -map 1 -c:v copy -disposition:v attached_pic cover.flac
-    ffmpeg -i cover.png -i first.wav -map 0 -map 1 -c:v copy -disposition:v attached_pic -c:a alac cover.m4a)");
-  for (const char* name : {"several.mkv", "several.mov", "cover.flac", "cover.m4a"})
+    ffmpeg -i cover.png -i first.wav -map 0 -map 1 -c:v copy -disposition:v attached_pic cover.flac)");
+  for (const char* name : {"several.mov", "cover.flac"})
     EXPECT_EQ(readSignal(scratch / name).planes, source.planes) << name;
 }
 

@@ -58,9 +58,9 @@ TEST(PlayerOnAServer, StopsWhereItIsWhenTheOutputChangesAndPlaysOnTheNewOneOnlyW
     const char* next;
   } cases[] = {
       {"another output", [](PulseServer& server) { server.setDefaultSink("second"); }, {}, "second"},
-      {"the output is removed", [](PulseServer& server) { server.removeSink("first"); }, {}, "second"},
-      {"the output is suspended", [](PulseServer& server) { server.suspendSink("first", true); },
-       [](PulseServer& server, AudioPlayer&) { server.suspendSink("first", false); }, "first"},
+      {"the output is removed", [](PulseServer& server) { server.control("unload-module 0"); }, {}, "second"},
+      {"the output is suspended", [](PulseServer& server) { server.control("suspend-sink first 1"); },
+       [](PulseServer& server, AudioPlayer&) { server.control("suspend-sink first 0"); }, "first"},
       {"the server dies", [](PulseServer& server) { server.kill(); },
        [](PulseServer& server, AudioPlayer& player) {
          EXPECT_THROW(player.play(), PlatformError);

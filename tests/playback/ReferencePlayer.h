@@ -1,7 +1,7 @@
 #pragma once
 
 #include "prepare/PreparedAudio.h"
-#include "tests/support/LoadedSignal.h"
+#include "tests/support/Signals.h"
 
 namespace zarnet::test {
 

@@ -1,6 +1,4 @@
 #include "prepare/CheckRecord.h"
-#include "tests/support/LoadedSignal.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
 #include <cmath>

@@ -1,7 +1,5 @@
 #include "prepare/AudioPreparer.h"
-#include "tests/support/LoadedSignal.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
 #include <cmath>

@@ -2,9 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QTimer>
-#include <chrono>
 
 namespace zarnet::test {
 

@@ -4,11 +4,8 @@
 #include "platform/PlatformError.h"
 
 #include <array>
-#include <cstdint>
 #include <mutex>
 #include <optional>
-#include <string>
-#include <utility>
 #include <vector>
 
 namespace zarnet::test {

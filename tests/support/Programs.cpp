@@ -1,15 +1,10 @@
 #include "tests/support/Programs.h"
 
-#include "tests/support/ScratchFolder.h"
-#include "tests/support/Wait.h"
-
 #include <csignal>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace zarnet::test {
 
@@ -28,13 +23,6 @@ void runScript(const std::filesystem::path& folder, const std::string& script) {
   const std::string prelude = "set -e; cd \"$0\"; ffmpeg() { command ffmpeg -y -v error \"$@\"; }\n";
   const ProgramResult result = runProgram({"sh", "-c", prelude + script, folder.string()});
   EXPECT_EQ(result.status, 0) << script << "\n" << result.errors;
-}
-
-void ffmpeg(const std::vector<std::string>& arguments) {
-  std::vector<std::string> commandLine = {"ffmpeg", "-y", "-v", "error"};
-  commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-  const ProgramResult result = runProgram(commandLine);
-  EXPECT_EQ(result.status, 0) << testing::PrintToString(arguments) << "\n" << result.errors;
 }
 
 RunningProgram::RunningProgram(const std::vector<std::string>& commandLine, int output) {
@@ -75,13 +63,12 @@ std::filesystem::path resource(const std::string& name) {
 }
 
 int livingChildren() {
-  int count = 0;
+  std::ptrdiff_t count = 0;
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     std::ifstream children(task.path() / "children");
-    for (pid_t child = 0; children >> child;)
-      ++count;
+    count += std::distance(std::istream_iterator<pid_t>(children), {});
   }
-  return count;
+  return static_cast<int>(count);
 }
 
 }  // namespace zarnet::test

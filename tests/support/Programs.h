@@ -1,12 +1,9 @@
 #pragma once
 
-#include <chrono>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <vector>
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/Wait.h"
 
-#include <sys/types.h>
+#include <optional>
 
 namespace zarnet::test {
 
@@ -23,9 +20,6 @@ ProgramResult runProgram(const std::vector<std::string>& commandLine);
 /// Runs a shell script in a folder and fails the test unless it succeeds. In it, `ffmpeg` overwrites files
 /// and prints nothing but errors.
 void runScript(const std::filesystem::path& folder, const std::string& script);
-
-/// Runs `ffmpeg -y -v error` with these arguments and fails the test unless it succeeds: makes any container.
-void ffmpeg(const std::vector<std::string>& arguments);
 
 /// A program that runs beside the test. It is killed and reaped at the end of its scope, and dies with the
 /// thread that started it, however that ends.

@@ -1,13 +1,5 @@
 #include "tests/support/PulseServer.h"
 
-#include "tests/support/Wait.h"
-
-#include <algorithm>
-#include <fstream>
-#include <stdexcept>
-
-#include <gtest/gtest.h>
-
 namespace zarnet::test {
 
 void PulseServer::start() {
@@ -31,11 +23,6 @@ void PulseServer::start() {
 
 void PulseServer::control(const std::string& command) const {
   runScript(folder.path(), "pactl -s " + address() + " " + command);
-}
-
-void PulseServer::removeSink(const std::string& name) const {
-  // Modules have numbers in the order in which they are loaded.
-  control("unload-module " + std::to_string(std::ranges::find(sinks, name) - sinks.begin()));
 }
 
 MonitorRecorder::MonitorRecorder(const PulseServer& server, const std::string& sink)

@@ -1,13 +1,8 @@
 #pragma once
 
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 
 #include <csignal>
-#include <cstddef>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace zarnet::test {
 
@@ -16,7 +11,7 @@ namespace zarnet::test {
 /// when the server has done it, and fails the test when it has not.
 class PulseServer {
  public:
-  /// Starts a server with these null sinks; the first becomes the default one.
+  /// Starts a server with these null sinks, modules 0, 1, …; the first becomes the default one.
   explicit PulseServer(const std::vector<std::string>& names = {"null"}) : sinks(names) { start(); }
 
   /// For `makeAudioEngine`, and for the environment variable PULSE_SERVER.
@@ -24,11 +19,7 @@ class PulseServer {
 
   /// Runs a command of the program `pactl`.
   void control(const std::string& command) const;
-  void removeSink(const std::string& name) const;
   void setDefaultSink(const std::string& name) const { control("set-default-sink " + name); }
-  void suspendSink(const std::string& name, bool suspended) const {
-    control("suspend-sink " + name + (suspended ? " 1" : " 0"));
-  }
 
   /// Ends the server at once, as a crash does.
   void kill() { process.reset(); }

@@ -2,13 +2,6 @@
 
 #include "desktop/Sheets.h"
 
-#include <cstddef>
-#include <filesystem>
-#include <functional>
-#include <optional>
-#include <utility>
-#include <vector>
-
 namespace zarnet::test {
 
 /// A window whose sheets are answered by the test: each one that is opened stands in its list with `done`,

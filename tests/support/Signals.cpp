@@ -2,17 +2,12 @@
 
 #include "platform/AudioFileReader.h"
 #include "platform/VectorMath.h"
-#include "tests/support/ScratchFolder.h"
-#include "tests/support/TagBytes.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <numbers>
 #include <random>
-#include <string>
-
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -32,14 +27,6 @@ std::string waveHeader(std::uint32_t rate, std::uint16_t channels, std::uint16_t
                                littleEndian(rate * frameBytes, 4) + littleEndian(frameBytes, 2) +
                                littleEndian(bits, 2)) +
          "data" + littleEndian(frames * frameBytes, 4);
-}
-
-/// The sample as a file of that type has it, in the lower bits.
-std::uint32_t stored(float sample, int bits, SampleType type) {
-  if (type == SampleType::float32) return std::bit_cast<std::uint32_t>(sample);
-  const double scale = std::ldexp(1.0, bits - 1);
-  return static_cast<std::uint32_t>(
-      static_cast<std::int32_t>(std::clamp(std::nearbyint(sample * scale), -scale, scale - 1)));
 }
 
 }  // namespace
@@ -102,7 +89,10 @@ std::filesystem::path writeWave(const std::filesystem::path& path, const Signal&
                                  type == SampleType::float32 ? 3 : 1);
   for (std::size_t i = 0; i < frames; ++i) {
     for (const auto& plane : signal.planes) {
-      const std::uint32_t sample = stored(plane[i], bits, type);
+      const std::int32_t sample =
+          type == SampleType::float32
+              ? std::bit_cast<std::int32_t>(plane[i])
+              : static_cast<std::int32_t>(std::nearbyint(std::ldexp(plane[i], bits - 1)));
       bytes.append(reinterpret_cast<const char*>(&sample), bits / 8u);
     }
   }
@@ -133,6 +123,11 @@ Signal readSignal(const std::filesystem::path& path) {
   }
   EXPECT_EQ(reader.length(), signal.count()) << path;
   return signal;
+}
+
+std::shared_ptr<const PCM> loaded(const Signal& signal) {
+  const ScratchFolder scratch;
+  return std::make_shared<const PCM>(writeWave(scratch / "signal.wav", signal));
 }
 
 std::int64_t lag(const std::vector<float>& earlier, const std::vector<float>& later) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <vector>
+#include "audio/PCM.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace zarnet::test {
 
@@ -44,6 +43,10 @@ std::filesystem::path writeHollowWave(const std::filesystem::path& path, std::ui
 /// All that a file holds, read in pieces that do not divide its length. Fails the test when `length` is not
 /// the number of frames that arrive. Raises what the reader raises.
 Signal readSignal(const std::filesystem::path& path);
+
+/// The signal as a `PCM`, every sample bit for bit, by way of a scratch file. Requires: 48,000 Hz, two
+/// channels, at least one frame.
+std::shared_ptr<const PCM> loaded(const Signal& signal);
 
 /// By how many frames `later` lags behind `earlier`, from −50 to 50. Requires: more than 100 frames.
 std::int64_t lag(const std::vector<float>& earlier, const std::vector<float>& later);

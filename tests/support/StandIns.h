@@ -1,12 +1,8 @@
 #pragma once
 
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 
-#include <filesystem>
 #include <sstream>
-#include <string>
-#include <vector>
 
 namespace zarnet::test {
 

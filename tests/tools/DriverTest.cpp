@@ -1,19 +1,15 @@
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
-#include "tests/support/Wait.h"
 
 #include <csignal>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
 namespace {
 
 using testing::HasSubstr;
-using testing::UnorderedElementsAre;
 
 /// zarnet-prepare with these arguments, words of a shell, in `folder`, which it uses for temporary files too.
 std::vector<std::string> driverLine(const ScratchFolder& folder, const std::string& arguments) {
@@ -21,12 +17,9 @@ std::vector<std::string> driverLine(const ScratchFolder& folder, const std::stri
   return {"env", "-C", place, "TMPDIR=" + place, "sh", "-c", "exec \"$0\" " + arguments, ZARNET_DRIVER};
 }
 
-/// The names of what lies in a folder.
-std::vector<std::string> entries(const std::filesystem::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder))
-    names.push_back(entry.path().filename().string());
-  return names;
+/// The names of what lies in a folder, in the order of their bytes, one on a line.
+std::string entries(const std::filesystem::path& folder) {
+  return runProgram({"env", "LC_ALL=C", "ls", "-A", folder.string()}).output;
 }
 
 void writeTake(const std::filesystem::path& path) {
@@ -52,28 +45,14 @@ TEST(Driver, GivesTheCheckRecordAndTheFilesOfEachCodec) {
         driverLine(temporary, options + " --output " + place + "/out '" + place + "/-a \xff take.1.wav'"));
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_THAT(result.errors, HasSubstr("Preparing audio…\nCreating the comparison…\nAligning playback"));
-    EXPECT_EQ(std::ranges::count(result.errors, '\n'), 3);
     const std::filesystem::path results = scratch / "out" / "-a \xff take.1";
-    EXPECT_THAT(entries(results),
-                UnorderedElementsAre("original.wav", stem + extension, stem + ".caf", stem + "-check.json"));
+    EXPECT_EQ(entries(results),
+              stem + "-check.json\n" + stem + ".caf\n" + stem + extension + "\noriginal.wav\n");
     EXPECT_EQ(result.output, readFile(results / (stem + "-check.json")));
     EXPECT_THAT(result.output, HasSubstr("\"originalFrames\": 72000,\n"));
     EXPECT_THAT(result.output, HasSubstr(line));
-    EXPECT_THAT(entries(temporary.path()), testing::IsEmpty());
+    EXPECT_EQ(entries(temporary.path()), "");
   }
-}
-
-TEST(Driver, TellsAFullDiskWhereTheFilesAreToLie) {
-  const ScratchFolder scratch;
-  const ScratchFolder temporary("/dev/shm");
-  writeTake(scratch / "take.wav");
-  std::filesystem::create_directories(scratch / "out/take");
-  std::filesystem::create_symlink("/dev/full", scratch / "out/take/original.wav-working");
-  const std::string place = scratch.path().string();
-  const auto line = driverLine(temporary, "--output " + place + "/out " + place + "/take.wav");
-  EXPECT_THAT(runProgram(line).errors,
-              HasSubstr("“original.wav-working” could not be written: No space left"));
-  EXPECT_THAT(entries(scratch / "out/take"), testing::IsEmpty());
 }
 
 TEST(Driver, GoesOnAfterAFailureAndNumbersEqualNames) {
@@ -89,9 +68,9 @@ TEST(Driver, GoesOnAfterAFailureAndNumbersEqualNames) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.errors, HasSubstr("\nmissing file.wav:\n“missing file.wav” could not be opened: No such "
                                        "file or directory.\nout/take 2/take.wav:\nPreparing audio…\n"));
-  EXPECT_THAT(entries(scratch / "out"), UnorderedElementsAre("take", "take 2", "take 3", "-take"));
-  EXPECT_THAT(entries(scratch / "out/take"), testing::Contains("notes.txt"));
-  EXPECT_THAT(entries(scratch / "out/take 2"), UnorderedElementsAre("take.wav"));
+  EXPECT_EQ(entries(scratch / "out"), "-take\ntake\ntake 2\ntake 3\n");
+  EXPECT_EQ(readFile(scratch / "out/take/notes.txt"), "mine");
+  EXPECT_EQ(entries(scratch / "out/take 2"), "take.wav\n");
   std::string records;
   for (const char* folder : {"take", "take 3", "-take"})
     records += readFile(scratch / "out" / folder / "Ogg Vorbis-256-check.json");
@@ -105,13 +84,9 @@ TEST(Driver, TellsWrongUsageFromWhatCannotBePrepared) {
   const std::tuple<std::string, int, std::string> cases[] = {
       {"", 2, usage},
       {"--unknown take.wav", 2, usage},
-      {"take.wav --bitrate", 2, usage},
       {"--bitrate 256k take.wav", 2, usage},
-      {"--bitrate 99999999999999999999 take.wav", 2, usage},
       {"--no-match=yes take.wav", 2, usage},
-      {"--output '' take.wav", 2, usage},
       {"--bitrate 8 take.wav", 1, "Choose a supported format and bitrate.\n"},
-      {".", 1, "“.” could not be opened: Is a directory.\n"},
       {"--resources no take.wav", 1, "“afconvert” could not be started: No such file or directory.\n"},
       {"--output take.wav take.wav", 1, "“take.wav” could not be created: Not a directory.\n"},
   };
@@ -121,7 +96,7 @@ TEST(Driver, TellsWrongUsageFromWhatCannotBePrepared) {
     EXPECT_THAT(result.errors, HasSubstr(message)) << arguments;
     EXPECT_EQ(result.output, "");
   }
-  EXPECT_THAT(entries(scratch.path()), UnorderedElementsAre("take.wav"));
+  EXPECT_EQ(entries(scratch.path()), "take.wav\n");
 }
 
 TEST(Driver, LeavesNothingBehindWhenASignalStopsIt) {
@@ -139,7 +114,7 @@ TEST(Driver, LeavesNothingBehindWhenASignalStopsIt) {
     program.sendSignal(number);  // some send it to the process and again to its group
     EXPECT_EQ(program.exitStatus(std::chrono::seconds(60)), 128 + number);
     EXPECT_EQ(kill(std::stoi(readFile(scratch / "child")), 0), -1);
-    EXPECT_THAT(entries(scratch.path()), UnorderedElementsAre("take.wav", "resources", "child", "errors"));
+    EXPECT_EQ(entries(scratch.path()), "child\nerrors\nresources\ntake.wav\n");
     EXPECT_EQ(readFile(scratch / "errors"), "take.wav:\nPreparing audio…\nCancelled\n");
   }
 }

@@ -1,12 +1,13 @@
-#include "platform/AudioFileWriter.h"
+// The programs that convert, encode and decode: afconvert, vorbis-tool and lame.
+
+#include "audio/RawSamples.h"
+#include "platform/VectorMath.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
 #include <cmath>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace zarnet::test {
 
@@ -19,14 +20,18 @@ std::string toAac(int kbps) {
   return "-f m4af -d aac -b " + std::to_string(kbps * 1000) + " -q 127 -s 0";
 }
 
-/// Runs `afconvert`, with a limit that a command of the shell sets on what it may write. That holds for a
-/// message in a file as well, so the message goes through a pipe then.
+/// Runs `afconvert` with these options, words of a shell, after a command of the shell.
 ProgramResult afconvert(const std::filesystem::path& input, const std::filesystem::path& output,
-                        const std::string& options, const std::string& limit = "") {
-  const std::string plain = "\"$@\" " + options;
-  const std::string limited = "set -o pipefail; { " + limit + "; " + plain + "; } 2>&1 | cat >&2";
-  return runProgram({"bash", "-c", limit.empty() ? plain : limited, "bash", resource("afconvert").string(),
+                        const std::string& options, const std::string& before = "") {
+  return runProgram({"sh", "-c", before + "\"$@\" " + options, "sh", resource("afconvert").string(),
                      input.string(), output.string()});
+}
+
+/// Runs `vorbis-tool` with these arguments, words of a shell, in a folder, after a command of the shell.
+ProgramResult vorbisTool(const ScratchFolder& folder, const std::string& arguments,
+                         const std::string& before = "") {
+  return runProgram({"sh", "-c", "cd \"$0\"; " + before + "\"$1\" " + arguments, folder.path().string(),
+                     resource("vorbis-tool").string()});
 }
 
 /// What a signal becomes.
@@ -58,15 +63,12 @@ TEST(Afconvert, KeepsEverySampleAt48kHzAndDoublesMonoAtUnityGain) {
     EXPECT_EQ(converted(wild, options).planes, wild.planes);
     EXPECT_EQ(converted(mono, options).planes, std::vector(2, mono.planes[0]));
   }
-  const Signal resampled = converted(Signal{44100, {exact.planes[0]}}, toWave);
-  EXPECT_EQ(resampled.planes, converted(Signal{44100, std::vector(2, exact.planes[0])}, toWave).planes);
 }
 
 TEST(Afconvert, GivesTheRoundedNumberOfFramesAtEveryRate) {
   for (const int rate : {8000, 16000, 44100, 96000}) {
-    for (const int frames : {0, 1, 16385, 60'001}) {
+    for (const int frames : {0, 1, 60'001}) {
       const Signal output = converted(noise(rate, 1, frames, 0.5, 3), rate == 16000 ? toCaf : toWave);
-      EXPECT_EQ(output.rate, 48000);
       EXPECT_NEAR(static_cast<double>(output.count()), std::round(frames * 48000.0 / rate), 1) << rate;
     }
   }
@@ -75,8 +77,10 @@ TEST(Afconvert, GivesTheRoundedNumberOfFramesAtEveryRate) {
 // Against the ideal sine at the output rate, so that gain, position in time and every distortion count.
 TEST(Afconvert, KeepsASineInItsPlaceAndShape) {
   const std::tuple<std::string, double, double, double> table[] = {
-      {toWave, 44100, 997, 130},    {toWave, 44100, 10'000, 130}, {toWave, 44100, 19'000, 130},
-      {toWave, 96000, 19'000, 130}, {toWave, 8000, 3'000, 130},   {toCaf, 16000, 7'000, 110},
+      {toWave, 44100, 997, 130},
+      {toWave, 44100, 19'000, 130},
+      {toWave, 96000, 19'000, 130},
+      {toCaf, 16000, 7'000, 110},
   };
   for (const auto& [options, rate, frequency, leastDecibels] : table) {
     const double amplitude = std::pow(10, -1 / 20.0);
@@ -104,13 +108,10 @@ TEST(Afconvert, EncodesAacNearTheNominalBitrateAndKeepsRateChannelsLengthAndPosi
     double least;  ///< of the nominal bitrate; 0 where it says nothing
   } table[] = {
       {48000, 2, 960'000, 64, 0.95},
-      {48000, 1, 960'000, 192, 0.95},  // the encoder would go furthest beyond
-                                       // it here
+      // The encoder would go furthest beyond it here.
+      {48000, 1, 960'000, 192, 0.95},
       {48000, 2, 960'000, 320, 0.7},
       {44100, 1, 50'001, 96, 0},
-      {96000, 2, 100'000, 192, 0},
-      {48000, 2, 1, 192, 0},
-      {48000, 2, 1024, 192, 0},
       {48000, 2, 1025, 192, 0},
   };
   const ScratchFolder scratch;
@@ -139,28 +140,19 @@ TEST(Afconvert, RefusesWhatItCannotDoAndLeavesTheOutputAlone) {
   const auto sound = writeWave(scratch / "in.wav", counting(48000, 1000));
   writeFile(scratch / "text.wav", std::string(5000, 'x'));
   writeWave(scratch / "three.wav", noise(48000, 3, 100, 0.5, 1));
-  writeWave(scratch / "high.wav", noise(192000, 2, 100, 0.5, 1));
   writeWave(scratch / "mono.wav", noise(48000, 1, 100, 0.5, 1));
   writeWave(scratch / "empty.wav", noise(48000, 2, 0, 0.5, 1));
-  AudioFileWriter(scratch / "slow.caf", 0.5, 2).finish();
   const auto earlier = writeFile(scratch / "earlier", "kept");
   for (const std::string options :
-       {"", "-f", "-f wave -d LEF32@48000 -c 2 -r 127", "-f WAVE -d LEF32@44100 -c 2 -r 127",
-        "-f WAVE -d LEF32@48000 -c 1 -r 127", "-f WAVE -d LEF32@48000 -c 2 -r 126",
-        "-f caff -d LEF32@48000 -c 2 -q 127", "-f m4af -d alac -b 128000 -q 127 -s 0",
-        "-f m4af -d aac -b 128k -q 127 -s 0", "-f m4af -d aac -b +128000 -q 127 -s 0",
-        "-f m4af -d aac -b 7999 -q 127 -s 0", "-f m4af -d aac -b 99999999999999999999 -q 127 -s 0"})
+       {"", "-f", "-f WAVE -d LEF32@44100 -c 2 -r 127", "-f caff -d LEF32@48000 -c 2 -q 127",
+        "-f m4af -d aac -b 128k -q 127 -s 0", "-f m4af -d aac -b 99999999999999999999 -q 127 -s 0"})
     expectFailure(afconvert(sound, earlier, options), "usage: afconvert IN OUT -f WAVE");
   const std::tuple<std::filesystem::path, std::filesystem::path, std::string, std::string> cases[] = {
-      {"no.wav", earlier, toWave, "“no.wav” could not be opened: No such file or directory"},
       {"text.wav", earlier, toCaf, "“text.wav” could not be opened"},
       {"three.wav", earlier, toWave, "“three.wav” could not be converted: It has 3 channels"},
-      {"slow.caf", earlier, toWave, "could not be converted: A sample rate of 0.5 Hz is not supported."},
-      {"high.wav", earlier, toAac(128), "AAC knows no sample rate of 192000 Hz."},
       {"mono.wav", earlier, toAac(320), "AAC holds at most 288000 bits per second"},
       {"empty.wav", earlier, toAac(64), "“empty.wav” could not be converted: It holds no sound."},
       {"in.wav", scratch / "." / "in.wav", toAac(64), "“in.wav” is both the input and the output."},
-      {"in.wav", scratch / "none" / "a", toAac(64), "“a” could not be opened: No such file or directory"},
   };
   for (const auto& [input, output, options, message] : cases)
     expectFailure(afconvert(scratch.path() / input, output, options), message);
@@ -173,15 +165,67 @@ TEST(Afconvert, RemovesAnOutputThatItCouldNotComplete) {
   // Long enough that reading and resampling are still under way when writing fails.
   const auto input = writeWave(scratch / "in.wav", noise(44100, 2, 1'000'000, 0.5, 1), SampleType::int16);
   for (const std::string& options : {toWave, toCaf, toAac(256)}) {
-    // Not even room for a header, then for a part.
-    for (const std::string limit : {"trap '' XFSZ; ulimit -f 0", "ulimit -f 64"}) {
-      expectFailure(afconvert(input, scratch / "out", options, limit),
-                    "“out” could not be written: File too large.");
-      EXPECT_FALSE(std::filesystem::exists(scratch / "out"));
-    }
+    expectFailure(afconvert(input, scratch / "out", options, "ulimit -f 64; "),
+                  "“out” could not be written: File too large.");
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out"));
     expectFailure(afconvert(input, "/dev/full", options), "No space left on device");
-    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
   }
+}
+
+TEST(VorbisTool, KeepsLengthAndPositionNearTheNominalBitrate) {
+  const ScratchFolder scratch;
+  const Signal original = music(48000, 2, 6.123);
+  loaded(original)->writeRaw(scratch / "in");
+  for (const int kbps : {64, 128, 320}) {
+    EXPECT_EQ(vorbisTool(scratch, "encode in ogg " + std::to_string(kbps)).status, 0);
+    EXPECT_EQ(vorbisTool(scratch, "decode ogg out").status, 0);
+    rawPCMToCAF(scratch / "out", scratch / "out.caf");
+    const Signal decoded = readSignal(scratch / "out.caf");
+    ASSERT_EQ(decoded.count(), original.count());
+    EXPECT_EQ(lag(original.planes[1], decoded.planes[1]), 0) << kbps;
+    const double bits = 8 * static_cast<double>(std::filesystem::file_size(scratch / "ogg"));
+    EXPECT_NEAR(bits / 6.123 / (kbps * 1000), 1, 0.25) << kbps;
+  }
+}
+
+TEST(VorbisTool, RefusesWhatItCannotDoWithOneLineAndLeavesNoOutput) {
+  const ScratchFolder scratch;
+  loaded(music(48000, 2, 2))->writeRaw(scratch / "in");
+  EXPECT_EQ(vorbisTool(scratch, "encode in good 128").status, 0);
+  const std::string good = readFile(scratch / "good");
+  writeFile(scratch / "hole", good.substr(0, 10'000) + good.substr(20'000));
+  writeFile(scratch / "odd", std::string(80'004, '\0'));
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "usage: vorbis-tool"},
+      {"decode good out 128", "usage: vorbis-tool"},
+      {"encode in out 99999999999999999999", "The bitrate is not a whole number from 1 to 1000 kbps."},
+      {"encode odd out 128", "“odd” does not hold a whole number of frames."},
+      {"encode in ./in 128", "“in” is both the input and the output."},
+      {"decode 'line\nfeed' out", "“line feed” could not be opened: No such file or directory."},
+      {"decode in out", "“in” is not an Ogg Vorbis file."},
+      {"decode hole out", "“hole” is damaged or incomplete."},
+  };
+  for (const auto& [arguments, message] : cases) {
+    expectFailure(vorbisTool(scratch, arguments), message);
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out")) << message;
+  }
+  EXPECT_EQ(std::filesystem::file_size(scratch / "in"), 96'000u * 8);
+  for (const char* arguments : {"encode in out 320", "decode good out"}) {
+    expectFailure(vorbisTool(scratch, arguments, "ulimit -f 8; "),
+                  "“out” could not be written: File too large.");
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out")) << arguments;
+  }
+}
+
+TEST(Lame, KeepsTheLevelOfFloatingPointSamples) {
+  const ScratchFolder scratch;
+  writeWave(scratch / "in.wav", sine(48000, 2, 48'000, 997, 0.01));
+  runScript(scratch.path(), "lame=" + resource("lame").string() + R"(
+    $lame --silent --noreplaygain --cbr -b 320 --resample 48 -q 2 in.wav a.mp3
+    $lame --silent --decode a.mp3 out.wav)");
+  const Signal heard = readSignal(scratch / "out.wav");
+  ASSERT_EQ(heard.count(), 48'000);
+  EXPECT_NEAR(maximumMagnitude(heard.planes[0].data() + 10'000, 28'000), 0.01, 0.0001);
 }
 
 }  // namespace zarnet::test
