@@ -9,11 +9,14 @@
 #include <cstring>
 #include <vector>
 
+#include <unistd.h>
+
 using zarnet::fuzz::expect;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::filesystem::path raw = zarnet::fuzz::memoryFile();
-  static const std::filesystem::path caf = zarnet::fuzz::memoryFile();
+  const std::filesystem::path caf =
+      std::filesystem::temp_directory_path() / ("zarnet-fuzz-" + std::to_string(getpid()) + ".caf");
   zarnet::FileHandle::createForWriting(raw).write(data, size);
 
   bool accepted = true;
@@ -30,6 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<float> right(frames + 1);
   float* const planes[] = {left.data(), right.data()};
   zarnet::AudioFileReader file(caf);
+  std::filesystem::remove(caf);
   expect(file.length() == static_cast<std::int64_t>(frames), "every frame is counted");
   expect(file.read(planes, file.length() + 1) == file.length(), "every frame arrives");
   for (std::size_t i = 0; i < frames; ++i) {
