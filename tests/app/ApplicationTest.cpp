@@ -2,16 +2,12 @@
 // accessibility bus and the keyboard.
 
 #include "platform/FileHandle.h"
-#include "tests/support/Programs.h"
 #include "tests/support/PulseServer.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 #include "tests/support/Wait.h"
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
-#include <cstdlib>
 #include <list>
 
 #include <atspi/atspi.h>
@@ -27,25 +23,28 @@ struct Unref {
 };
 using Node = std::unique_ptr<AtspiAccessible, Unref>;
 
-/// The nodes below one, itself included, that are showing, from the top; goes on as long as `visit` wants.
-bool walk(const Node& node, const std::function<bool(const Node&, const std::string&)>& visit) {
-  char* name = atspi_accessible_get_name(node.get(), nullptr);
-  const bool goesOn = visit(node, name == nullptr ? "" : name);
-  g_free(name);
-  const int count = atspi_accessible_get_child_count(node.get(), nullptr);
-  for (int i = 0; goesOn && i < count; ++i) {
-    const Node child(atspi_accessible_get_child_at_index(node.get(), i, nullptr));
-    if (child != nullptr && !walk(child, visit)) return false;
-  }
-  return goesOn;
+bool has(const Node& node, AtspiStateType state) {
+  const std::unique_ptr<AtspiStateSet, Unref> states(atspi_accessible_get_state_set(node.get()));
+  return states != nullptr && atspi_state_set_contains(states.get(), state) != 0;
 }
 
-bool has(const Node& node, AtspiStateType state) {
-  AtspiStateSet* const states = atspi_accessible_get_state_set(node.get());
-  if (states == nullptr) return false;
-  const bool contains = atspi_state_set_contains(states, state) != 0;
-  g_object_unref(states);
-  return contains;
+/// The first that shows under this name (any when it is empty) in all these states, of a node and those below
+/// it; nothing when there is none.
+Node find(const std::string& wanted, const std::vector<AtspiStateType>& states = {},
+          Node node = Node(atspi_get_desktop(0))) {
+  char* const name = atspi_accessible_get_name(node.get(), nullptr);
+  const bool isNamed = wanted.empty() || (name != nullptr && wanted == name);
+  g_free(name);
+  if (isNamed && has(node, ATSPI_STATE_SHOWING) &&
+      std::ranges::all_of(states, [&](AtspiStateType state) { return has(node, state); }))
+    return node;
+  Node found;
+  const int count = atspi_accessible_get_child_count(node.get(), nullptr);
+  for (int i = 0; found == nullptr && i < count; ++i) {
+    Node child(atspi_accessible_get_child_at_index(node.get(), i, nullptr));
+    if (child != nullptr) found = find(wanted, states, std::move(child));
+  }
+  return found;
 }
 
 /// A desktop of the test's own: display, session bus, audio server, home and temporary folder, with somebody
@@ -65,13 +64,13 @@ class Application : public testing::Test {
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     setenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1", 1);
     setenv("PULSE_SERVER", sound.address().c_str(), 1);
-    unsetenv("WAYLAND_DISPLAY");
     setenv("DISPLAY", (":" + start({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x1024x24"})).c_str(), 1);
     setenv("DBUS_SESSION_BUS_ADDRESS",
            start({"dbus-daemon", "--session", "--nofork", "--print-address=1"}).c_str(), 1);
-    manager.emplace(std::vector<std::string>{"openbox", "--sm-disable"});
+    // A window manager gives windows the keyboard's focus.
+    helpers.emplace_back(std::vector<std::string>{"openbox", "--sm-disable"});
     atspi_init();
-    screen.reset(atspi_get_desktop(0));
+    const Node screen(atspi_get_desktop(0));
     EXPECT_TRUE(waitUntil([&] { return atspi_accessible_get_child_count(screen.get(), nullptr) >= 0; }));
     atspi_accessible_set_cache_mask(screen.get(), ATSPI_CACHE_NONE);
   }
@@ -84,19 +83,6 @@ class Application : public testing::Test {
     return readFile(said).substr(0, readFile(said).find('\n'));
   }
 
-  /// What shows under this name in all these states; nothing when there is none. Any name when it is empty.
-  Node find(const std::string& wanted, const std::vector<AtspiStateType>& states = {}) const {
-    Node found;
-    const auto matches = [&](const Node& node, const std::string& name) {
-      return (wanted.empty() || name == wanted) && has(node, ATSPI_STATE_SHOWING) &&
-             std::ranges::all_of(states, [&](AtspiStateType state) { return has(node, state); });
-    };
-    walk(screen, [&](const Node& node, const std::string& name) {
-      if (matches(node, name)) found.reset(ATSPI_ACCESSIBLE(g_object_ref(node.get())));
-      return found == nullptr;
-    });
-    return found;
-  }
   Node await(const std::string& name, const std::vector<AtspiStateType>& states = {}) const {
     Node found;
     if (waitUntil([&] { return (found = find(name, states)) != nullptr; }, limit)) return found;
@@ -110,14 +96,10 @@ class Application : public testing::Test {
   }
   /// Presses a key until it has worked: one that comes while the focus is between two windows goes astray.
   static void key(const std::string& name, const std::function<bool()>& hasWorked) {
-    EXPECT_TRUE(waitUntil(
-        [&] {
-          return runProgram({"xdotool", "key", name}).status == 0 && hasWorked();
-        },
-        limit));
+    const auto works = [&] { return runProgram({"xdotool", "key", name}).status == 0 && hasWorked(); };
+    EXPECT_TRUE(waitUntil(works, limit));
   }
 
-  bool leavesNothing() const { return std::filesystem::is_empty(scratch / "temporary"); }
   /// Whether an encoder is at work in the temporary folder.
   bool encodes() const { return runProgram({"pgrep", "-f", scratch / "temporary"}).status == 0; }
 
@@ -125,8 +107,6 @@ class Application : public testing::Test {
   ScratchFolder scratch;
   PulseServer sound;
   std::list<RunningProgram> helpers;
-  std::optional<RunningProgram> manager;  // gives windows the keyboard's focus
-  Node screen;
 };
 
 /// How well the sounding frames of a recording agree with a source: the normalised correlation of half a
@@ -134,15 +114,14 @@ class Application : public testing::Test {
 double agreement(const std::vector<float>& recorded, const Signal& source) {
   std::size_t frame = 0;
   double product = 0, mine = 0, theirs = 0;
-  for (std::size_t i = 0; i < recorded.size() && frame < 28'800; i += 2) {
+  for (std::size_t i = 0; i < recorded.size() && frame < 24'000; i += 2) {
     if (recorded[i] == 0 && recorded[i + 1] == 0) continue;
-    const double original = source.planes[0][frame];
-    if (++frame < 4'800) continue;
+    const double original = source.planes[0][frame++];
     product += recorded[i] * original;
     mine += recorded[i] * recorded[i];
     theirs += original * original;
   }
-  return frame < 28'800 ? 0 : product / std::sqrt(mine * theirs);
+  return frame < 24'000 ? 0 : product / std::sqrt(mine * theirs);
 }
 
 TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder) {
@@ -154,9 +133,7 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
   RunningProgram zarnet({ZARNET_PROGRAM, one, two});
   await("2 tracks");
   press("Start blind comparison");
-  await("Before you listen");
   press("Continue");
-  await("Track 1 of 2");
   await("Listen to A", {ATSPI_STATE_SELECTED});
   {
     const MonitorRecorder recording(sound, "null");
@@ -171,7 +148,6 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
   await("Track 2 of 2");
   press("Preference: I can’t tell");
   press("Confirm & show tally");
-  await("Your results");
   await("2 tracks · Lossless vs AAC · 256 kbps");
   press("Save results image…");
   const Node field = await("", {ATSPI_STATE_EDITABLE});
@@ -182,7 +158,7 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
   EXPECT_EQ(readFile(picture).substr(1, 3), "PNG");
   key("ctrl+q", [&] { return zarnet.exitStatus(std::chrono::seconds(1)).has_value(); });
   EXPECT_EQ(zarnet.exitStatus(limit), 0);
-  EXPECT_TRUE(leavesNothing());
+  EXPECT_TRUE(std::filesystem::is_empty(scratch / "temporary"));
 
   const auto file = writeWave(scratch / "long.wav", noise(48000, 2, 48'000 * 300, 0.3, 1), SampleType::int16);
   for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
@@ -194,7 +170,7 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
     interrupted.sendSignal(number);
     EXPECT_EQ(interrupted.exitStatus(limit), 0) << number;
     EXPECT_FALSE(encodes());
-    EXPECT_TRUE(leavesNothing());
+    EXPECT_TRUE(std::filesystem::is_empty(scratch / "temporary"));
   }
 }
 

@@ -1,5 +1,7 @@
 #include "app/AppDelegate.h"
+#include "app/ApplicationStyle.h"
 #include "app/NativeRoot.h"
+#include "app/controls/Accessibility.h"
 #include "app/controls/Motion.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/PulseServer.h"
@@ -9,10 +11,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QMenuBar>
 #include <QTest>
-#include <cmath>
-#include <cstdlib>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -122,20 +122,14 @@ TEST_F(Screens, SetupFollowsTheTrackListAndTheSettings) {
   EXPECT_TRUE(visibleTexts().join('\n').contains("“missing.flac” could not be opened"));
   click("OK");
   EXPECT_TRUE(eventually([&] { return !sees("OK"); })) << "an error is dismissed once";
-  EXPECT_FALSE(sees("Import your audio."));
   delegate.importFiles({track("two"), track("three")});
   expect({"3 tracks", "Results revealed after your final vote"});
-  EXPECT_TRUE(control("Start blind comparison")->isEnabled());
   click("Remove two");
   expect({"2 tracks"});
   EXPECT_FALSE(sees("two"));
 
-  QWidget* format = control("Format");
-  QTest::keyClick(format, Qt::Key_End);
+  QTest::keyClick(control("Format"), Qt::Key_End);
   EXPECT_EQ(qobject_cast<QComboBox*>(control("Nominal bitrate"))->count(), 10);
-  QTest::keyClick(format, Qt::Key_Up);
-  EXPECT_EQ(qobject_cast<QComboBox*>(control("Bitrate"))->count(), 17);
-  EXPECT_TRUE(sees("256 kbps"));
 
   click("Clear all");
   expect({"Import your audio."});
@@ -155,7 +149,6 @@ TEST_F(Screens, ATestOfOneTrackEndsInItsReveal) {
   expect({"Which sounds better to you?", "Blind comparison", "Loudness matched"});
   EXPECT_TRUE(eventually([&] { return isEnabledInMenu("Export Converted Audio…"); }));
   EXPECT_FALSE(isEnabledInMenu("Import Audio…"));
-  EXPECT_FALSE(sees("Track 1 of 1"));
   EXPECT_TRUE(isSelected("Listen to A"));
   EXPECT_FALSE(root->drop({}));
   const auto identities = [] {
@@ -171,13 +164,11 @@ TEST_F(Screens, ATestOfOneTrackEndsInItsReveal) {
   EXPECT_TRUE(eventually([&] { return isSelected("Listen to B") && !isSelected("Listen to A"); }));
   EXPECT_FALSE(control("Confirm & reveal")->isEnabled());
   click("Preference: I can’t tell");
-  EXPECT_TRUE(isSelected("Preference: I can’t tell"));
   click("Confirm & reveal");
   expect({"Revealed", "You couldn’t tell a difference.", "Save results image…"});
   EXPECT_FALSE(sees("Which sounds better to you?"));
   EXPECT_EQ(identities(), QStringList({"Compressed from the original, AAC · 256 kbps",
                                        "Lossless original, 16-bit / 48 kHz · PCM"}));
-  EXPECT_FALSE(isEnabledInMenu("Export Converted Audio…"));
   click("Back");
   expect({"1 track"});
 }
@@ -206,8 +197,6 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   reach("Playback position");
   key(Qt::Key_Right);
   expect({"0:05"});
-  const double spoken = accessible(control("Playback position")).valueInterface()->currentValue().toDouble();
-  EXPECT_NEAR(spoken, 5, 1) << "not seconds";
   use({"Forward five seconds"});
   expect({"0:10"});
   use({"Loop", "Set start"});
@@ -223,27 +212,34 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   unsetenv("PULSE_SERVER");
 }
 
-/// Counts the resizes of a window.
-struct Resizes : QObject {
-  bool eventFilter(QObject*, QEvent* event) override {
-    count += event->type() == QEvent::Resize ? 1 : 0;
-    return false;
-  }
-  int count = 0;
-};
-
 TEST_F(Screens, FitTheWindowToTheLatestOfManyHeights) {
   delegate.fitContent(400);
   ASSERT_TRUE(eventually([&] { return root->height() == 400; }));
-  Resizes resizes;
-  window->installEventFilter(&resizes);
+  int resizes = 0;
+  const QObject scope;
+  QObject::connect(window->windowHandle(), &QWindow::heightChanged, &scope, [&] { ++resizes; });
   for (const double ignored : {0.0, -5.0, std::nan(""), HUGE_VAL})
     delegate.fitContent(ignored);
   for (int height = 451; height <= 460; ++height)
     delegate.fitContent(height - 0.5);
   ASSERT_TRUE(eventually([&] { return root->height() == 460; }));
-  EXPECT_EQ(resizes.count, 1);
+  EXPECT_EQ(resizes, 1);
 }
 
 }  // namespace
 }  // namespace zarnet
+
+// An application object of the "offscreen" platform (unless the display is a test's own), apart from the
+// user's settings and desktop.
+int main(int argc, char** argv) {
+  const zarnet::test::ScratchFolder home;
+  setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+  setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+  setenv("PULSE_SERVER", "unix:/nonexistent", 1);
+  setenv("QT_QPA_PLATFORM", "offscreen", 0);
+  testing::InitGoogleTest(&argc, argv);
+  const QApplication application(argc, argv);
+  zarnet::installAccessibility();
+  zarnet::applyApplicationStyle();
+  return RUN_ALL_TESTS();
+}

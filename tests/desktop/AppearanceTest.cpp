@@ -6,7 +6,6 @@
 #include "tests/support/ScratchFolder.h"
 
 #include <QDBusMessage>
-#include <csignal>
 
 #include <gtest/gtest.h>
 
@@ -44,12 +43,6 @@ class Appearances : public testing::Test {
                    output.descriptor());
     ASSERT_TRUE(eventually([&] { return readFile(folder / "said") == "ready\n"; }));
   }
-  void changeScheme(uint scheme) {
-    auto change =
-        QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-                                       "org.freedesktop.portal.Settings", "Set");
-    QDBusConnection("appearance").send(change << scheme);
-  }
 
   const ScratchFolder folder;
   const QString address = QString::fromStdString("unix:path=" + (folder / "bus").string());
@@ -64,7 +57,10 @@ TEST_F(Appearances, FollowThePortalAtOnceAsItChangesAndWhenItComesBack) {
   EXPECT_EQ(QGuiApplication::palette(), darkPalette())
       << "the first window must not come up in the wrong colours";
   for (const uint scheme : {2, 1, 0, 1}) {
-    changeScheme(scheme);
+    auto change =
+        QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+                                       "org.freedesktop.portal.Settings", "Set");
+    QDBusConnection("appearance").send(change << scheme);
     ASSERT_TRUE(eventually([&] { return isDark() == (scheme == 1); })) << scheme;
   }
   portal.reset();

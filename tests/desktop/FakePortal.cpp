@@ -3,52 +3,45 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <cstdio>
 
-namespace {
+class Settings : public QObject {
+  Q_OBJECT
+  Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
-const QString place = QStringLiteral("/org/freedesktop/portal/desktop");
-const QStringList setting = {QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme")};
-
-class Settings : public QDBusVirtualObject {
  public:
-  explicit Settings(uint initial) : scheme(initial) {}
+  uint scheme = 0;
 
-  QString introspect(const QString&) const override { return {}; }
-
-  bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-    if (message.member() == "Set") {
-      scheme = message.arguments().value(0).toUInt();
-      for (const QStringList& changed :
-           {QStringList{setting[0], "contrast"}, setting, {"another", setting[1]}}) {
-        auto signal = QDBusMessage::createSignal(place, "org.freedesktop.portal.Settings", "SettingChanged");
-        const uint value = changed == setting ? scheme : 3 - scheme;
-        bus.send(signal << changed[0] << changed[1] << QVariant::fromValue(QDBusVariant(value)));
-      }
-      return true;
-    }
-    if (message.member() != "Read" || message.arguments() != QList<QVariant>{setting[0], setting[1]})
-      return false;
-    const QDBusVariant once{QVariant(scheme)};
-    return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(once)))));
+ public Q_SLOTS:
+  // The value lies in a variant in a variant.
+  QDBusVariant Read(const QString& space, const QString& key) const {
+    const bool known = space == "org.freedesktop.appearance" && key == "color-scheme";
+    return QDBusVariant(QVariant::fromValue(QDBusVariant(known ? scheme : 3 - scheme)));
+  }
+  void Set(uint value) {
+    scheme = value;
+    Q_EMIT SettingChanged("org.freedesktop.appearance", "contrast", QDBusVariant(3 - value));
+    Q_EMIT SettingChanged("org.freedesktop.appearance", "color-scheme", QDBusVariant(value));
+    Q_EMIT SettingChanged("another", "color-scheme", QDBusVariant(3 - value));
   }
 
- private:
-  uint scheme;
+ Q_SIGNALS:
+  void SettingChanged(const QString& space, const QString& key, const QDBusVariant& value);
 };
-
-}  // namespace
 
 int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
-  QDBusConnection bus = QDBusConnection::connectToBus(QString::fromUtf8(argv[1]), "portal");
-  Settings settings(QString::fromUtf8(argv[2]).toUInt());
-  if (!bus.registerVirtualObject(place, &settings) || !bus.registerService("org.freedesktop.portal.Desktop"))
+  auto bus = QDBusConnection::connectToBus(argv[1], "portal");
+  Settings settings;
+  settings.scheme = QString(argv[2]).toUInt();
+  if (!bus.registerObject("/org/freedesktop/portal/desktop", &settings,
+                          QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals) ||
+      !bus.registerService("org.freedesktop.portal.Desktop"))
     return 1;
   std::puts("ready");
   std::fflush(stdout);
   return QCoreApplication::exec();
 }
+
+#include "FakePortal.moc"

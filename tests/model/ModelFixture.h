@@ -4,13 +4,9 @@
 #include "platform/FileSystem.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FakeAudioEngine.h"
-#include "tests/support/Programs.h"
 #include "tests/support/ScriptedSheets.h"
 #include "tests/support/Signals.h"
 #include "tests/support/StandIns.h"
-
-#include <algorithm>
-#include <cstdlib>
 
 #include <gmock/gmock.h>
 
@@ -49,8 +45,19 @@ class Models : public testing::Test {
     model->start();
     if (!sheets.alerts.empty()) sheets.alerts.back().done(0);
   }
+  void vote(const QString& choice) {
+    model->vote = choice;
+    model->confirm();
+  }
   bool prepared() {
     return eventually([this] { return !model->busy; });
+  }
+  /// The title of each answered track with what was chosen.
+  std::vector<QString> answers() const {
+    std::vector<QString> all;
+    for (const Vote& answer : *model->answers)
+      all.push_back(answer.title + answer.choice);
+    return all;
   }
 
   /// Seconds of the comparison that the player holds.
