@@ -2,7 +2,6 @@
 #include "audio/AudioInfo.h"
 #include "tests/support/Failures.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 
 #include <gtest/gtest.h>

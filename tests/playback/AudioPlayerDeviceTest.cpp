@@ -4,7 +4,6 @@
 #include "playback/AudioPlayer.h"
 #include "tests/playback/ReferencePlayer.h"
 #include "tests/support/PulseServer.h"
-#include "tests/support/Wait.h"
 
 #include <chrono>
 #include <cmath>

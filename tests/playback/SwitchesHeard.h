@@ -2,7 +2,6 @@
 
 #include "tests/playback/ReferencePlayer.h"
 #include "tests/support/PulseServer.h"
-#include "tests/support/Wait.h"
 
 #include <cmath>
 

@@ -1,7 +1,5 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
-#include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"
 #include "tests/support/StandIns.h"
 

@@ -1,8 +1,6 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
 #include "tests/support/Programs.h"
-#include "tests/support/ScratchFolder.h"
-#include "tests/support/Wait.h"
 
 #include <chrono>
 #include <random>
