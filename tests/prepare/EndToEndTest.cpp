@@ -13,6 +13,12 @@ namespace {
 
 using Source = std::tuple<double, test::SampleType, int>;  // rate, depth, channels
 
+std::string nameOf(const testing::TestParamInfo<Source>& source) {
+  const auto [rate, type, channels] = source.param;
+  return std::to_string(static_cast<int>(rate)) + "Hz" +
+         (type == test::SampleType::int16 ? "16Bit" : "24Bit") + (channels == 1 ? "Mono" : "Stereo");
+}
+
 constexpr std::int64_t excerptFrames = 8192;
 constexpr std::int64_t reach = 2408;
 
@@ -118,6 +124,7 @@ TEST_P(EndToEnd, EveryCodecGivesAnAlignedAndMatchedComparison) {
 INSTANTIATE_TEST_SUITE_P(Sources, EndToEnd,
                          testing::Combine(testing::Values(44100.0, 48000.0, 96000.0),
                                           testing::Values(test::SampleType::int16, test::SampleType::int24),
-                                          testing::Values(1, 2)));
+                                          testing::Values(1, 2)),
+                         nameOf);
 
 }  // namespace zarnet
