@@ -160,9 +160,15 @@ TEST_F(Prepare, LeavesNoFolderWhateverFails) {
     EXPECT_THAT(failure(codec, bitrate), testing::StartsWith(sentence));
     programs.replace(program, R"(real "$@")");
   }
+  fs::permissions(programs.lame(), fs::perms::none);
+  EXPECT_EQ(failure("MP3", 128), "“lame” could not be started: Permission denied.");
   programs.remove("lame");
   EXPECT_EQ(failure("MP3", 128), "“lame” could not be started: No such file or directory.");
   prepare("Ogg Vorbis", 64);
+  progress = [&](const std::string& text) {
+    if (text == "Creating the comparison…") fs::remove_all(preparer.directory);
+  };
+  EXPECT_EQ(failure("AAC", 128), "“process.log” could not be opened: No such file or directory.");
 }
 
 TEST_F(Prepare, LeavesNothingBehindCancelledAtAnyMoment) {
