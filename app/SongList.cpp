@@ -9,15 +9,32 @@
 #include "app/controls/Text.h"
 #include "model/NativeModel.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace zarnet {
 
 namespace {
 constexpr std::size_t portion = 12;  ///< rows made in one turn of the event loop: about 10 ms
+
+/// Shows what was added to a column, and makes room for it from the window down. The toolkit would begin at
+/// the column: all rows would share the room of the earlier ones for a moment, and each be laid out twice.
+void showAtOnce(QWidget& added, QLayout& column) {
+  column.setEnabled(false);
+  added.show();
+  column.setEnabled(true);
+  std::vector<QWidget*> upwards;
+  for (QWidget* widget = &added; widget != nullptr; widget = widget->parentWidget()) {
+    widget->updateGeometry();
+    upwards.push_back(widget);
+  }
+  for (QWidget* widget : upwards | std::views::reverse)
+    QCoreApplication::sendPostedEvents(widget, QEvent::LayoutRequest);
 }
+
+}  // namespace
 
 class SongList::Row : public QWidget {
  public:
@@ -62,7 +79,11 @@ class SongList::Row : public QWidget {
 };
 
 SongList::SongList(QWidget* controlBefore, std::function<void(const Song&)> removeSong)
-    : before(controlBefore), remove(std::move(removeSong)), column(bareColumn(this, 0)) {}
+    : before(controlBefore), remove(std::move(removeSong)), column(bareColumn(this, 0)) {
+  nextPortion.setSingleShot(true);
+  nextPortion.setInterval(0);
+  connect(&nextPortion, &QTimer::timeout, this, &SongList::addPortion);
+}
 
 void SongList::setSongs(const std::vector<Song>& next) {
   // Songs are appended and removed, never moved: a row stays as long as its song comes next in the list.
@@ -97,10 +118,12 @@ void SongList::addPortion() {
     rows.push_back(row);
   }
   column->addWidget(group);
+  showAtOnce(*group, *column);
   // New widgets come last in the order of the Tab key, wherever they stand.
   for (std::size_t i = first; i < end; ++i)
     setTabOrder(i == 0 ? before : rows[i - 1]->button, rows[i]->button);
-  if (end < songs.size()) QMetaObject::invokeMethod(this, &SongList::addPortion, Qt::QueuedConnection);
+  // A timer without delay waits until this portion is laid out and painted; a queued call would come before.
+  if (end < songs.size()) nextPortion.start();
 }
 
 void SongList::setRemovable(bool removableNow) {

@@ -2,6 +2,7 @@
 
 #include "model/Song.h"
 
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <vector>
@@ -33,6 +34,7 @@ class SongList : public QWidget {
   QVBoxLayout* column;
   std::vector<Row*> rows;
   std::vector<Song> songs;
+  QTimer nextPortion;
   bool removable = true;
 };
 
