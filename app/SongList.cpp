@@ -11,7 +11,6 @@
 
 #include <QCoreApplication>
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace zarnet {
@@ -30,8 +29,8 @@ void showAtOnce(QWidget& added, QLayout& column) {
     widget->updateGeometry();
     upwards.push_back(widget);
   }
-  for (QWidget* widget : upwards | std::views::reverse)
-    QCoreApplication::sendPostedEvents(widget, QEvent::LayoutRequest);
+  std::for_each(upwards.rbegin(), upwards.rend(),
+                [](QWidget* widget) { QCoreApplication::sendPostedEvents(widget, QEvent::LayoutRequest); });
 }
 
 }  // namespace
