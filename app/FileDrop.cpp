@@ -1,6 +1,6 @@
 #include "app/FileDrop.h"
 
-#include "platform/Mutex.h"
+#include "system/Mutex.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>

@@ -1,6 +1,6 @@
 #include "audio/Alignment.h"
 
-#include "platform/VectorMath.h"
+#include "audio/VectorMath.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "audio/AppError.h"
 
-#include "platform/PlatformError.h"
+#include "system/PlatformError.h"
 
 #include <new>
 

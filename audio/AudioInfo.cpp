@@ -1,8 +1,8 @@
 #include "audio/AudioInfo.h"
 
 #include "audio/AppError.h"
-#include "platform/AudioFileReader.h"
-#include "platform/Text.h"
+#include "media/AudioFileReader.h"
+#include "system/Text.h"
 
 #include <cmath>
 #include <optional>

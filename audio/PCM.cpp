@@ -1,9 +1,9 @@
 #include "audio/PCM.h"
 
 #include "audio/AppError.h"
-#include "platform/AudioFileReader.h"
-#include "platform/FileHandle.h"
-#include "platform/VectorMath.h"
+#include "audio/VectorMath.h"
+#include "media/AudioFileReader.h"
+#include "system/FileHandle.h"
 
 #include <algorithm>
 #include <array>

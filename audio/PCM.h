@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/SampleBuffer.h"
+#include "system/SampleBuffer.h"
 
 #include <cstdint>
 #include <filesystem>

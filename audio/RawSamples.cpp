@@ -2,9 +2,9 @@
 
 #include "audio/AppError.h"
 #include "audio/PCM.h"
-#include "platform/AudioFileWriter.h"
-#include "platform/FileHandle.h"
-#include "platform/SampleBuffer.h"
+#include "media/AudioFileWriter.h"
+#include "system/FileHandle.h"
+#include "system/SampleBuffer.h"
 
 #include <array>
 #include <bit>

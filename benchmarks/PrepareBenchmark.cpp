@@ -1,6 +1,6 @@
 #include "benchmarks/Memory.h"
-#include "platform/FileSystem.h"
 #include "prepare/AudioPreparer.h"
+#include "system/FileSystem.h"
 #include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/Signals.h"

@@ -1,7 +1,7 @@
 #include "benchmarks/TwentyMinutes.h"
-#include "platform/AudioFileReader.h"
-#include "platform/FileHandle.h"
-#include "platform/SampleBuffer.h"
+#include "media/AudioFileReader.h"
+#include "system/FileHandle.h"
+#include "system/SampleBuffer.h"
 #include "tests/support/Programs.h"
 
 #include <filesystem>

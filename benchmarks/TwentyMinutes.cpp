@@ -1,8 +1,8 @@
 #include "benchmarks/TwentyMinutes.h"
 
 #include "audio/PCM.h"
-#include "platform/AudioFileWriter.h"
-#include "platform/FileSystem.h"
+#include "media/AudioFileWriter.h"
+#include "system/FileSystem.h"
 
 #include <cstdint>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "desktop/AtomicFile.h"
 
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
 
 #include <cerrno>
 #include <system_error>

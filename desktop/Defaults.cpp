@@ -1,9 +1,9 @@
 #include "desktop/Defaults.h"
 
 #include "desktop/AtomicFile.h"
-#include "platform/FileHandle.h"
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
+#include "system/FileHandle.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "desktop/Doorbell.h"
 
-#include "platform/PlatformError.h"
+#include "system/PlatformError.h"
 
 #include <cerrno>
 #include <cstdint>

@@ -2,8 +2,8 @@
 #include "model/ErrorText.h"
 #include "model/FileNames.h"
 #include "model/NativeModel.h"
-#include "platform/FileHandle.h"
 #include "results/ResultsImage.h"
+#include "system/FileHandle.h"
 
 #include <string>
 

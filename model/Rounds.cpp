@@ -3,7 +3,7 @@
 #include "model/LosslessSide.h"
 #include "model/NativeModel.h"
 #include "model/StatusValue.h"
-#include "platform/FileSystem.h"
+#include "system/FileSystem.h"
 
 #include <utility>
 

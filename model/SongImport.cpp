@@ -3,7 +3,7 @@
 #include "audio/AudioInfo.h"
 #include "model/ErrorText.h"
 #include "model/TrackMetadata.h"
-#include "platform/FileSystem.h"
+#include "system/FileSystem.h"
 
 namespace zarnet {
 

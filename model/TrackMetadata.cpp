@@ -1,7 +1,7 @@
 #include "model/TrackMetadata.h"
 
 #include "desktop/Thumbnail.h"
-#include "platform/Text.h"
+#include "system/Text.h"
 
 #include <vector>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MediaTags.h"
+#include "media/MediaTags.h"
 
 #include <QImage>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/AudioEngine.h"
+#include "output/AudioEngine.h"
 #include "prepare/PreparedAudio.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Mutex.h"
 #include "prepare/PreparedAudio.h"
+#include "system/Mutex.h"
 
 #include <cstdint>
 #include <optional>

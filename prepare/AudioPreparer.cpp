@@ -1,10 +1,10 @@
 #include "prepare/AudioPreparer.h"
 
 #include "audio/AppError.h"
-#include "platform/ChildProcess.h"
-#include "platform/FileHandle.h"
-#include "platform/FileSystem.h"
-#include "platform/Text.h"
+#include "system/ChildProcess.h"
+#include "system/FileHandle.h"
+#include "system/FileSystem.h"
+#include "system/Text.h"
 
 #include <optional>
 #include <utility>

@@ -1,8 +1,8 @@
 #include "prepare/CheckRecord.h"
 
-#include "platform/FileHandle.h"
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
+#include "system/FileHandle.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,13 +1,13 @@
 #include "audio/Alignment.h"
 #include "audio/AppError.h"
 #include "audio/RawSamples.h"
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
-#include "platform/Text.h"
 #include "prepare/AudioPreparer.h"
 #include "prepare/CheckRecord.h"
 #include "prepare/Codecs.h"
 #include "prepare/Gains.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
+#include "system/Text.h"
 
 #include <exception>
 

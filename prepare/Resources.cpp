@@ -1,6 +1,6 @@
 #include "prepare/Resources.h"
 
-#include "platform/FileSystem.h"
+#include "system/FileSystem.h"
 
 #include <system_error>
 

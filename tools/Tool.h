@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/PlatformError.h"
-#include "platform/Text.h"
+#include "system/PlatformError.h"
+#include "system/Text.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,7 +1,7 @@
 // The program as a user meets it: a real window on a real display, a real audio server, driven through the
 // accessibility bus and the keyboard.
 
-#include "platform/FileHandle.h"
+#include "system/FileHandle.h"
 #include "tests/support/PulseServer.h"
 #include "tests/support/Signals.h"
 #include "tests/support/Wait.h"

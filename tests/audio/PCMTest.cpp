@@ -1,7 +1,8 @@
 #include "audio/AppError.h"
 #include "audio/PCM.h"
 #include "audio/RawSamples.h"
-#include "platform/AudioFileReader.h"
+#include "audio/VectorMath.h"
+#include "media/AudioFileReader.h"
 #include "tests/support/Failures.h"
 #include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
@@ -14,6 +15,14 @@ namespace zarnet {
 
 using test::ScratchFolder;
 using test::Signal;
+
+TEST(VectorMath, FindsTheLargestMagnitudeWhereverItStands) {
+  for (std::size_t place = 0; place < 37; ++place) {
+    std::vector<float> samples(37, 0.5f);
+    samples[place] = place % 2 == 0 ? -0.8f : 0.8f;
+    EXPECT_EQ(maximumMagnitude(samples.data(), 37), 0.8f) << place;
+  }
+}
 
 TEST(PCM, RefusesWhatIsNoWorkingFormat) {
   const ScratchFolder scratch;

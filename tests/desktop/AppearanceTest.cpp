@@ -1,6 +1,6 @@
 #include "desktop/Appearance.h"
 #include "desktop/Palette.h"
-#include "platform/FileHandle.h"
+#include "system/FileHandle.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/Programs.h"
 #include "tests/support/ScratchFolder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/FileHandle.h"
+#include "system/FileHandle.h"
 
 #include <iostream>
 

@@ -2,8 +2,8 @@
 // thumbnails or none.
 
 #include "desktop/Thumbnail.h"
-#include "platform/MediaTags.h"
-#include "platform/Text.h"
+#include "media/MediaTags.h"
+#include "system/Text.h"
 #include "tests/fuzz/Fuzzing.h"
 
 using zarnet::fuzz::expect;

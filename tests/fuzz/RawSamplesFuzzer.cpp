@@ -3,7 +3,7 @@
 
 #include "audio/AppError.h"
 #include "audio/RawSamples.h"
-#include "platform/AudioFileReader.h"
+#include "media/AudioFileReader.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <cstring>

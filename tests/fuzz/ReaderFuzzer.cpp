@@ -1,8 +1,8 @@
 // Any bytes are an audio file: it opens or is refused with a sentence, and what it holds is read to the end.
 
-#include "platform/AudioFileReader.h"
-#include "platform/LinearPCM.h"
-#include "platform/PlatformError.h"
+#include "media/AudioFileReader.h"
+#include "media/LinearPCM.h"
+#include "system/PlatformError.h"
 #include "tests/fuzz/Fuzzing.h"
 
 #include <cmath>

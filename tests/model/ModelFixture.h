@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/NativeModel.h"
-#include "platform/FileSystem.h"
+#include "system/FileSystem.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FakeAudioEngine.h"
 #include "tests/support/ScriptedSheets.h"

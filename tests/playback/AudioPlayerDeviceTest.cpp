@@ -1,7 +1,7 @@
 // The player on a real audio server with silent outputs, whose monitors are recorded.
 
-#include "platform/PlatformError.h"
 #include "playback/AudioPlayer.h"
+#include "system/PlatformError.h"
 #include "tests/playback/ReferencePlayer.h"
 #include "tests/support/PulseServer.h"
 

@@ -1,6 +1,6 @@
 #include "audio/AppError.h"
-#include "platform/PlatformError.h"
 #include "playback/AudioPlayer.h"
+#include "system/PlatformError.h"
 #include "tests/playback/ReferencePlayer.h"
 #include "tests/support/Failures.h"
 #include "tests/support/FakeAudioEngine.h"

@@ -1,6 +1,6 @@
 #include "audio/AppError.h"
-#include "platform/FileSystem.h"
 #include "prepare/AudioPreparer.h"
+#include "system/FileSystem.h"
 #include "tests/support/Failures.h"
 #include "tests/support/ScratchFolder.h"
 

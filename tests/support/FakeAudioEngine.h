@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/AudioEngine.h"
-#include "platform/PlatformError.h"
+#include "output/AudioEngine.h"
+#include "system/PlatformError.h"
 
 #include <array>
 #include <mutex>

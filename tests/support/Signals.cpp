@@ -1,7 +1,7 @@
 #include "tests/support/Signals.h"
 
-#include "platform/AudioFileReader.h"
-#include "platform/VectorMath.h"
+#include "audio/VectorMath.h"
+#include "media/AudioFileReader.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,7 @@
 // The programs that convert, encode and decode: afconvert, vorbis-tool and lame.
 
 #include "audio/RawSamples.h"
-#include "platform/VectorMath.h"
+#include "audio/VectorMath.h"
 #include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
 

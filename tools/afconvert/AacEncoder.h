@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/LibAv.h"
+#include "media/LibAv.h"
 #include "tools/afconvert/ReadAhead.h"
 
 #include <cstdint>

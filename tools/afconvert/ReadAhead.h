@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Mutex.h"
-#include "platform/SampleBuffer.h"
+#include "system/Mutex.h"
+#include "system/SampleBuffer.h"
 
 #include <array>
 #include <condition_variable>

@@ -1,8 +1,8 @@
 #include "tools/prepare/Results.h"
 
-#include "platform/FileHandle.h"
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
+#include "system/FileHandle.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
 
 #include <algorithm>
 #include <set>

@@ -1,11 +1,11 @@
 // zarnet-prepare: prepares comparisons from the command line and prints their check records.
 
 #include "audio/AppError.h"
-#include "platform/FileSystem.h"
-#include "platform/PlatformError.h"
-#include "platform/Text.h"
 #include "prepare/AudioPreparer.h"
 #include "prepare/Resources.h"
+#include "system/FileSystem.h"
+#include "system/PlatformError.h"
+#include "system/Text.h"
 #include "tools/Tool.h"
 #include "tools/prepare/Options.h"
 #include "tools/prepare/Results.h"

@@ -1,7 +1,7 @@
 #include "tools/vorbis/Encode.h"
 
-#include "platform/FileHandle.h"
-#include "platform/Text.h"
+#include "system/FileHandle.h"
+#include "system/Text.h"
 #include "tools/vorbis/Format.h"
 #include "tools/vorbis/OutputFile.h"
 #include "tools/vorbis/Owned.h"

@@ -1,0 +1,352 @@
+#include "media/AudioSource.h"
+#include "media/LibAv.h"
+#include "media/SampleConversion.h"
+#include "system/PlatformError.h"
+#include "system/Text.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+extern "C" {
+#include <libavutil/crc.h>
+}
+
+namespace zarnet {
+
+namespace {
+
+constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
+
+bool isLinear(AVCodecID codec) {
+  switch (codec) {
+    case AV_CODEC_ID_PCM_ALAW:
+    case AV_CODEC_ID_PCM_MULAW:
+    case AV_CODEC_ID_PCM_VIDC:
+    case AV_CODEC_ID_PCM_ZORK:
+      return false;
+    default:
+      return codec >= AV_CODEC_ID_PCM_S16LE && codec < AV_CODEC_ID_ADPCM_IMA_QT;
+  }
+}
+
+bool isLossless(AVCodecID codec) {
+  return isLinear(codec) || codec == AV_CODEC_ID_FLAC || codec == AV_CODEC_ID_ALAC;
+}
+
+std::uint32_t formatIDOf(AVCodecID codec) {
+  if (isLinear(codec)) return fourCharacterCode("lpcm");
+  switch (codec) {
+    case AV_CODEC_ID_FLAC:
+      return fourCharacterCode("flac");
+    case AV_CODEC_ID_ALAC:
+      return fourCharacterCode("alac");
+    case AV_CODEC_ID_MP2:
+      return fourCharacterCode(".mp2");
+    case AV_CODEC_ID_MP3:
+      return fourCharacterCode(".mp3");
+    case AV_CODEC_ID_AAC:
+      return fourCharacterCode("aac ");
+    case AV_CODEC_ID_AC3:
+      return fourCharacterCode("ac-3");
+    case AV_CODEC_ID_VORBIS:
+      return fourCharacterCode("vorb");
+    case AV_CODEC_ID_OPUS:
+      return fourCharacterCode("opus");
+    case AV_CODEC_ID_PCM_ALAW:
+      return fourCharacterCode("alaw");
+    case AV_CODEC_ID_PCM_MULAW:
+      return fourCharacterCode("ulaw");
+    default:
+      return fourCharacterCode("????");
+  }
+}
+
+StreamDescription describe(const AVCodecParameters& parameters) {
+  StreamDescription description;
+  description.sampleRate = parameters.sample_rate;
+  description.formatID = formatIDOf(parameters.codec_id);
+  description.channelsPerFrame = static_cast<std::uint32_t>(parameters.ch_layout.nb_channels);
+  if (isLossless(parameters.codec_id)) {
+    const int bits = parameters.bits_per_raw_sample > 0 ? parameters.bits_per_raw_sample
+                                                        : parameters.bits_per_coded_sample;
+    description.bitsPerChannel = static_cast<std::uint32_t>(std::max(bits, 0));
+  }
+  return description;
+}
+
+std::optional<SampleLayout> layoutOf(AVSampleFormat format) {
+  const auto bytes = static_cast<std::uint32_t>(av_get_bytes_per_sample(format));
+  switch (av_get_packed_sample_fmt(format)) {
+    case AV_SAMPLE_FMT_U8:
+      return SampleLayout{SampleLayout::Kind::unsignedInteger, bytes, false};
+    case AV_SAMPLE_FMT_S16:
+    case AV_SAMPLE_FMT_S32:
+    case AV_SAMPLE_FMT_S64:
+      return SampleLayout{SampleLayout::Kind::signedInteger, bytes, false};
+    case AV_SAMPLE_FMT_FLT:
+    case AV_SAMPLE_FMT_DBL:
+      return SampleLayout{SampleLayout::Kind::floatingPoint, bytes, false};
+    default:
+      return std::nullopt;
+  }
+}
+
+/// The number of frames that a tag of an MPEG-4 file states, which names delay, padding and total in
+/// hexadecimal numbers: " 00000000 00000840 000001C0 0000000000C7B9C0 …". 0 without a tag that makes sense.
+std::int64_t framesStatedByTag(const AVDictionary* tags) {
+  const AVDictionaryEntry* entry = av_dict_get(tags, "iTunSMPB", nullptr, 0);
+  unsigned long long total = 0;
+  const bool read = entry && std::sscanf(entry->value, "%*x %*x %*x %16llx", &total) == 1;
+  return read && total <= static_cast<unsigned long long>(endless) ? static_cast<std::int64_t>(total) : 0;
+}
+
+/// Whether the checksum at the end of a FLAC frame is right, which the decoder does not look at.
+bool hasValidChecksum(const AVPacket& frame) {
+  return av_crc(av_crc_get_table(AV_CRC_16_ANSI), 0, frame.data, static_cast<std::size_t>(frame.size)) == 0;
+}
+
+/// Decodes the audio stream of a file from its start or from a place near its end. Trims what the decoder
+/// trims by itself: the delay and padding of MP3 and Ogg streams, the priming of MPEG-4 ones.
+class Decoder {
+ public:
+  explicit Decoder(const FileHandle& source);
+
+  AVStream& stream() const { return *input.audioStream(); }
+  const AVFormatContext& container() const { return *input.context(); }
+  std::string_view containerName() const { return container().iformat->name; }
+  /// Goes on with the packet that holds a time (in units of the stream), or one before it. False when it
+  /// cannot.
+  bool seek(std::int64_t time) {
+    return av_seek_frame(input.context(), stream().index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+  }
+  /// The next frame that is not empty; nothing at the end. Damage is passed over in a lossy stream; in a
+  /// lossless one it raises, unless nothing follows it: then the file was cut off there.
+  const AVFrame* next();
+
+ private:
+  void feed();
+  void check();
+  [[noreturn]] void fail(const char* reason) const;
+
+  const FileHandle& file;
+  libav::InputFile input;
+  libav::CodecContext codec;
+  libav::Packet packet = libav::makePacket();
+  libav::Frame frame = libav::makeFrame();
+  bool damaged = false;                    ///< the latest packet was
+  std::int64_t expected = AV_NOPTS_VALUE;  ///< time of the next frame, where gaps are looked for
+};
+
+Decoder::Decoder(const FileHandle& source) : file(source), input(source) {
+  const AVCodecParameters& parameters = *stream().codecpar;
+  const AVCodec* implementation = avcodec_find_decoder(parameters.codec_id);
+  codec.reset(avcodec_alloc_context3(implementation));
+  if (!codec) throw std::bad_alloc();
+  const bool opened = implementation && avcodec_parameters_to_context(codec.get(), &parameters) >= 0 &&
+                      avcodec_open2(codec.get(), implementation, nullptr) >= 0;
+  if (!opened || parameters.sample_rate <= 0 || parameters.ch_layout.nb_channels <= 0) {
+    throw PlatformError(quotedName(file.location()) + " could not be opened: Its audio cannot be decoded.");
+  }
+  // The decoder would find no frame in it, and say nothing.
+  if (parameters.codec_id == AV_CODEC_ID_FLAC && parameters.bits_per_raw_sample > 24) {
+    throw PlatformError(quotedName(file.location()) +
+                        " could not be opened: FLAC audio of more than 24 bits is not supported.");
+  }
+  codec->pkt_timebase = stream().time_base;
+}
+
+const AVFrame* Decoder::next() {
+  for (;;) {
+    const int result = avcodec_receive_frame(codec.get(), frame.get());
+    if (result == AVERROR_EOF) return nullptr;
+    if (result == AVERROR(EAGAIN)) {
+      feed();
+    } else if (result == AVERROR(ENOMEM)) {
+      throw systemError(file.location(), "could not be decoded", ENOMEM);
+    } else if (result < 0) {
+      damaged = true;
+    } else if (frame->nb_samples > 0) {
+      check();
+      return frame.get();
+    }
+  }
+}
+
+void Decoder::feed() {
+  if (!input.readPacket(*packet)) {
+    avcodec_send_packet(codec.get(), nullptr);
+    return;
+  }
+  if (damaged && isLossless(codec->codec_id)) fail("It is damaged");
+  const bool sound = codec->codec_id != AV_CODEC_ID_FLAC || hasValidChecksum(*packet);
+  damaged = avcodec_send_packet(codec.get(), packet.get()) < 0 || !sound;
+}
+
+void Decoder::check() {
+  const AVCodecParameters& parameters = *stream().codecpar;
+  if (frame->ch_layout.nb_channels != parameters.ch_layout.nb_channels ||
+      frame->sample_rate != parameters.sample_rate || !layoutOf(static_cast<AVSampleFormat>(frame->format))) {
+    fail("Its format changes on the way");
+  }
+  // These containers give every FLAC frame the time that it states itself; a page of Ogg that is damaged
+  // disappears without a word.
+  const bool timed = containerName() == "flac" || containerName() == "ogg";
+  const bool exactTime = stream().time_base.num == 1 && stream().time_base.den == parameters.sample_rate;
+  if (codec->codec_id != AV_CODEC_ID_FLAC || !timed || !exactTime || frame->pts == AV_NOPTS_VALUE) return;
+  if (expected != AV_NOPTS_VALUE && frame->pts != expected) fail("It is damaged");
+  expected = frame->pts + frame->nb_samples;
+}
+
+void Decoder::fail(const char* reason) const {
+  throw PlatformError(quotedName(file.location()) + " could not be decoded: " + reason + ".");
+}
+
+class CodedSource : public AudioSource {
+ public:
+  explicit CodedSource(const FileHandle& source);
+
+  const StreamDescription& fileFormat() const override { return description; }
+  std::int64_t length() override;
+  std::int64_t read(float* const* planes, std::int64_t frames) override;
+
+ private:
+  bool isFlacInCaf() const;
+  std::int64_t announcedFrames() const;
+  std::optional<std::int64_t> confirmedFrames() const;
+  std::int64_t countAll() const;
+  void convert(float* const* planes, std::int64_t offset, int count);
+
+  const FileHandle& file;
+  Decoder decoder;
+  const StreamDescription description;
+  std::int64_t dropped = 0;      ///< frames at the start that are not meant to be heard
+  std::int64_t limit = endless;  ///< frames after those that are
+  std::int64_t position = 0;     ///< frames delivered
+  std::int64_t toDrop = 0;
+  std::int64_t counted = -1;
+  const AVFrame* frame = nullptr;
+  int frameOffset = 0;  ///< of the first sample of `frame` that was not delivered
+  std::vector<float*> targets;
+};
+
+CodedSource::CodedSource(const FileHandle& source)
+    : file(source),
+      decoder(source),
+      description(describe(*decoder.stream().codecpar)),
+      targets(description.channelsPerFrame) {
+  if (decoder.containerName() == "caf") {
+    if (const auto table = isFlacInCaf() ? std::nullopt : findPacketTable(file)) {
+      dropped = table->primingFrames;
+      limit = table->validFrames;
+    }
+  } else if (decoder.containerName().starts_with("mov")) {
+    const std::int64_t tagged = framesStatedByTag(decoder.container().metadata);
+    const std::int64_t stated = tagged > 0 ? tagged : announcedFrames();
+    if (stated > 0) limit = stated;
+  }
+  toDrop = dropped;
+}
+
+/// What such a container says of frames is not needed, and wrong where its writer took all to be of one
+/// length.
+bool CodedSource::isFlacInCaf() const {
+  return decoder.containerName() == "caf" && decoder.stream().codecpar->codec_id == AV_CODEC_ID_FLAC;
+}
+
+/// The total that the container states in whole frames; 0 when it states none, or none that can be relied on.
+std::int64_t CodedSource::announcedFrames() const {
+  const AVStream& stream = decoder.stream();
+  const AVRational frameTime = {1, stream.codecpar->sample_rate};
+  const bool exact = stream.time_base.num == 1 && frameTime.den % stream.time_base.den == 0;
+  if (!exact || stream.duration <= 0 || isFlacInCaf()) return 0;
+  return av_rescale_q(stream.duration, stream.time_base, frameTime);
+}
+
+/// The number of frames of a lossless file, when its last packets end where its container says that it ends.
+std::optional<std::int64_t> CodedSource::confirmedFrames() const {
+  const std::int64_t announced = announcedFrames();
+  if (decoder.containerName() == "ogg") return std::nullopt;  // a damaged page shows only on the way there
+  if (announced == 0 || dropped > 0 || !isLossless(decoder.stream().codecpar->codec_id)) return std::nullopt;
+  Decoder tail(file);
+  if (!tail.seek(tail.stream().duration - 1)) return std::nullopt;
+  std::int64_t end = 0;
+  while (const AVFrame* last = tail.next()) {
+    if (last->pts == AV_NOPTS_VALUE) return std::nullopt;
+    const AVRational frameTime = {1, last->sample_rate};
+    const std::int64_t first = av_rescale_q(last->pts, tail.stream().time_base, frameTime);
+    if (first > endless / 2) return std::nullopt;
+    end = first + last->nb_samples;
+  }
+  // An edit list may end before the last packet does.
+  const bool confirmed = end == announced || (end > announced && limit == announced);
+  return confirmed ? std::optional(std::min(end, limit)) : std::nullopt;
+}
+
+std::int64_t CodedSource::countAll() const {
+  Decoder walker(file);
+  std::int64_t count = 0;
+  while (const AVFrame* next = walker.next())
+    count += next->nb_samples;
+  return std::clamp<std::int64_t>(count - dropped, 0, limit);
+}
+
+std::int64_t CodedSource::length() {
+  if (counted < 0) {
+    const auto confirmed = confirmedFrames();
+    counted = confirmed ? *confirmed : countAll();
+  }
+  return counted;
+}
+
+std::int64_t CodedSource::read(float* const* planes, std::int64_t frames) {
+  const std::int64_t wanted = std::min(frames, limit - position);
+  std::int64_t done = 0;
+  while (done < wanted) {
+    if (!frame || frameOffset == frame->nb_samples) {
+      frameOffset = 0;
+      frame = decoder.next();
+      if (!frame) break;
+      frameOffset = static_cast<int>(std::min<std::int64_t>(toDrop, frame->nb_samples));
+      toDrop -= frameOffset;
+      continue;
+    }
+    const auto count =
+        static_cast<int>(std::min<std::int64_t>(frame->nb_samples - frameOffset, wanted - done));
+    convert(planes, done, count);
+    frameOffset += count;
+    done += count;
+  }
+  position += done;
+  return done;
+}
+
+/// Converts the next `count` samples of `frame` to the planes, from `offset` on.
+void CodedSource::convert(float* const* planes, std::int64_t offset, int count) {
+  const auto format = static_cast<AVSampleFormat>(frame->format);
+  const SampleLayout layout = *layoutOf(format);
+  const std::uint32_t channels = description.channelsPerFrame;
+  for (std::uint32_t channel = 0; channel < channels; ++channel)
+    targets[channel] = planes[channel] + offset;
+  const bool planar = av_sample_fmt_is_planar(format) != 0;
+  const std::size_t start =
+      std::size_t{layout.bytes} * (planar ? 1 : channels) * static_cast<std::size_t>(frameOffset);
+  const auto bytesOf = [&](std::uint32_t plane) {
+    return reinterpret_cast<const std::byte*>(frame->extended_data[plane]) + start;
+  };
+  if (!planar) return convertSamples(layout, bytesOf(0), channels, count, targets.data());
+  for (std::uint32_t channel = 0; channel < channels; ++channel)
+    convertSamples(layout, bytesOf(channel), 1, count, &targets[channel]);
+}
+
+}  // namespace
+
+std::unique_ptr<AudioSource> makeCodedSource(const FileHandle& file) {
+  return std::make_unique<CodedSource>(file);
+}
+
+}  // namespace zarnet

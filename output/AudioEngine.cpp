@@ -1,0 +1,364 @@
+#include "output/AudioEngine.h"
+
+#include "system/PlatformError.h"
+#include "system/SampleBuffer.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <utility>
+
+#include <pulse/pulseaudio.h>
+
+namespace zarnet {
+
+namespace {
+
+constexpr pa_sample_spec format = {PA_SAMPLE_FLOAT32NE, 48000, 2};
+constexpr std::size_t frameBytes = 2 * sizeof(float);
+constexpr std::int64_t planeFrames = 2048;                  // rendered in one call at most
+constexpr pa_usec_t latency = 40 * PA_USEC_PER_MSEC;        // kept in the server's buffer
+constexpr pa_usec_t startLimit = 2'400 * PA_USEC_PER_MSEC;  // the rest of 2.5 s is for clearing up
+constexpr const char* dummyOutput = "auto_null";            // stands in where there is no device
+constexpr const char* undecidedOutput = "@DEFAULT_SINK@";   // named for a moment while devices change
+constexpr const char* changedWhileOpening = "The output changed while it was being opened";
+
+struct Release {
+  void operator()(pa_threaded_mainloop* loop) const { pa_threaded_mainloop_free(loop); }
+  void operator()(pa_context* context) const { pa_context_unref(context); }
+  void operator()(pa_stream* stream) const { pa_stream_unref(stream); }
+  void operator()(pa_proplist* properties) const { pa_proplist_free(properties); }
+};
+template <typename Object>
+using Owned = std::unique_ptr<Object, Release>;
+
+/// Holds the loop's lock, under which its thread makes all callbacks, for the length of a scope.
+class LoopLock {
+ public:
+  explicit LoopLock(pa_threaded_mainloop* held) : loop(held) { pa_threaded_mainloop_lock(loop); }
+  ~LoopLock() { pa_threaded_mainloop_unlock(loop); }
+  LoopLock(const LoopLock&) = delete;
+  LoopLock& operator=(const LoopLock&) = delete;
+
+ private:
+  pa_threaded_mainloop* const loop;
+};
+
+/// Lets an operation run on without watching it; null when it could not be begun.
+void unwatched(pa_operation* operation) {
+  if (operation != nullptr) pa_operation_unref(operation);
+}
+
+std::string text(const char* optional) {
+  return optional == nullptr ? "" : optional;
+}
+
+PlatformError unavailable(const std::string& reason) {
+  return PlatformError("No audio output is available. " + reason + ".");
+}
+
+/// One connection to the audio server with one playing stream, from construction to destruction. Everything
+/// below happens under the loop's lock: on the loop's thread in callbacks, or on the interface thread.
+class Session {
+ public:
+  Session(const std::string& server, const RenderCallback& callback, std::function<void()> handler);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  bool isRunning() const { return phase == Phase::running; }
+
+ private:
+  enum class Phase { starting, running, over };
+
+  Session(const RenderCallback& callback, std::function<void()> handler);
+  void connectContext(const std::string& server);
+  void learnOutput();
+  void connectStream();
+  void begin();
+  template <typename Condition>
+  void waitUntil(Condition condition);
+  PlatformError failure(const std::string& reason) const;
+
+  void changed(pa_subscription_event_type_t event, std::uint32_t index);
+  void compareDefault(const pa_server_info* info);
+  void comparePort(const pa_sink_info* info);
+  void lost();
+  void write(std::size_t bytes);
+  void wake() { pa_threaded_mainloop_signal(loop.get(), 0); }
+  static Session& self(void* data) { return *static_cast<Session*>(data); }
+
+  const RenderCallback& source;
+  const std::function<void()> lostHandler;
+  const SampleBuffer planes{2, planeFrames};
+  const Owned<pa_threaded_mainloop> loop;
+  Owned<pa_context> context;
+  Owned<pa_stream> stream;
+  pa_time_event* deadline = nullptr;
+  bool expired = false;
+  bool serverKnown = false;
+  bool portKnown = false;
+  std::string defaultSink;  // at the start; empty while undecided
+  std::string activePort;   // of our sink at the start; empty where it has none
+  std::atomic<Phase> phase = Phase::starting;
+};
+
+Session::Session(const RenderCallback& callback, std::function<void()> handler)
+    : source(callback), lostHandler(std::move(handler)), loop(pa_threaded_mainloop_new()) {}
+
+// The delegation makes the destructor clear up after whatever raises here.
+Session::Session(const std::string& server, const RenderCallback& callback, std::function<void()> handler)
+    : Session(callback, std::move(handler)) {
+  if (loop == nullptr) throw unavailable("Its event loop could not be made");
+  pa_threaded_mainloop_set_name(loop.get(), "zarnet-audio");  // once started it would rename this thread
+  if (pa_threaded_mainloop_start(loop.get()) < 0) throw unavailable("Its thread could not be started");
+  const LoopLock hold(loop.get());
+  connectContext(server);
+  learnOutput();
+  connectStream();
+  begin();
+}
+
+Session::~Session() {
+  if (loop == nullptr) return;
+  {
+    const LoopLock hold(loop.get());
+    if (deadline != nullptr) pa_threaded_mainloop_get_api(loop.get())->time_free(deadline);
+    if (stream != nullptr) {
+      pa_stream_set_state_callback(stream.get(), nullptr, nullptr);
+      pa_stream_set_write_callback(stream.get(), nullptr, nullptr);
+      pa_stream_set_moved_callback(stream.get(), nullptr, nullptr);
+      pa_stream_set_suspended_callback(stream.get(), nullptr, nullptr);
+      pa_stream_disconnect(stream.get());
+      stream.reset();
+    }
+    if (context != nullptr) {
+      pa_context_set_state_callback(context.get(), nullptr, nullptr);
+      pa_context_set_subscribe_callback(context.get(), nullptr, nullptr);
+      pa_context_disconnect(context.get());
+      context.reset();
+    }
+  }
+  pa_threaded_mainloop_stop(loop.get());
+}
+
+PlatformError Session::failure(const std::string& reason) const {
+  return unavailable(reason + ": " + pa_strerror(pa_context_errno(context.get())));
+}
+
+/// Waits until `condition` holds, `lost` was called or the deadline of the whole start has passed.
+template <typename Condition>
+void Session::waitUntil(Condition condition) {
+  while (!condition()) {
+    if (expired) throw unavailable("The audio server does not answer");
+    if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context.get()))) throw failure("The audio server has gone");
+    if (phase == Phase::over) throw unavailable(changedWhileOpening);
+    pa_threaded_mainloop_wait(loop.get());
+  }
+}
+
+void Session::connectContext(const std::string& server) {
+  const Owned<pa_proplist> properties(pa_proplist_new());
+  pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Zarnet");
+  pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "zarnet");
+  context.reset(
+      pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop.get()), nullptr, properties.get()));
+  if (context == nullptr) throw unavailable("The audio server could not be contacted");
+  deadline = pa_context_rttime_new(
+      context.get(), pa_rtclock_now() + startLimit,
+      [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
+        self(data).expired = true;
+        self(data).wake();
+      },
+      this);
+  pa_context_set_state_callback(
+      context.get(),
+      [](pa_context* changing, void* data) {
+        if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(changing))) self(data).lost();
+        self(data).wake();
+      },
+      this);
+  const auto state = [&] { return pa_context_get_state(context.get()); };
+  const char* address = server.empty() ? nullptr : server.c_str();
+  if (pa_context_connect(context.get(), address, PA_CONTEXT_NOAUTOSPAWN, nullptr) >= 0) {
+    waitUntil([&] { return state() == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state()); });
+  }
+  if (state() != PA_CONTEXT_READY) throw failure("The audio server could not be reached");
+}
+
+/// Subscribes to the server's events and notes which sink is the default one.
+void Session::learnOutput() {
+  pa_context_set_subscribe_callback(
+      context.get(),
+      [](pa_context*, pa_subscription_event_type_t event, std::uint32_t index, void* data) {
+        self(data).changed(event, index);
+      },
+      this);
+  const auto events =
+      static_cast<pa_subscription_mask_t>(PA_SUBSCRIPTION_MASK_SINK | PA_SUBSCRIPTION_MASK_SERVER);
+  unwatched(pa_context_subscribe(context.get(), events, nullptr, nullptr));
+  unwatched(pa_context_get_server_info(
+      context.get(),
+      [](pa_context*, const pa_server_info* info, void* data) {
+        self(data).compareDefault(info);
+        self(data).serverKnown = true;
+        self(data).wake();
+      },
+      this));
+  waitUntil([&] { return serverKnown; });
+}
+
+/// Opens a corked stream on the output and notes which port of it is active.
+void Session::connectStream() {
+  const Owned<pa_proplist> properties(pa_proplist_new());
+  pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "music");
+  stream.reset(pa_stream_new_with_proplist(context.get(), "Playback", &format, nullptr, properties.get()));
+  if (stream == nullptr) throw failure("The audio server refused the stream");
+  pa_stream_set_state_callback(
+      stream.get(),
+      [](pa_stream* changing, void* data) {
+        if (!PA_STREAM_IS_GOOD(pa_stream_get_state(changing))) self(data).lost();
+        self(data).wake();
+      },
+      this);
+  pa_stream_set_write_callback(
+      stream.get(), [](pa_stream*, std::size_t bytes, void* data) { self(data).write(bytes); }, this);
+  pa_stream_set_moved_callback(
+      stream.get(), [](pa_stream*, void* data) { self(data).lost(); }, this);
+  pa_stream_set_suspended_callback(
+      stream.get(),
+      [](pa_stream* changing, void* data) {
+        if (pa_stream_is_suspended(changing) > 0) self(data).lost();
+      },
+      this);
+  constexpr auto automatic = static_cast<std::uint32_t>(-1);
+  const pa_buffer_attr attributes = {automatic,
+                                     static_cast<std::uint32_t>(pa_usec_to_bytes(latency, &format)),
+                                     automatic, automatic, automatic};
+  // Without DONT_MOVE a few milliseconds can be heard on the next output before the stream is corked.
+  const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE |
+                                                    PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_START_CORKED |
+                                                    PA_STREAM_DONT_MOVE);
+  const auto state = [&] { return pa_stream_get_state(stream.get()); };
+  if (pa_stream_connect_playback(stream.get(), nullptr, &attributes, flags, nullptr, nullptr) >= 0) {
+    waitUntil([&] { return state() == PA_STREAM_READY || !PA_STREAM_IS_GOOD(state()); });
+  }
+  if (state() != PA_STREAM_READY) throw failure("The audio server refused the stream");
+  if (text(pa_stream_get_device_name(stream.get())) == dummyOutput) {
+    throw unavailable("There is no output device");
+  }
+  unwatched(pa_context_get_sink_info_by_index(
+      context.get(), pa_stream_get_device_index(stream.get()),
+      [](pa_context*, const pa_sink_info* info, int end, void* data) {
+        self(data).comparePort(info);
+        self(data).portKnown = end != 0;
+        self(data).wake();
+      },
+      this));
+  waitUntil([&] { return portKnown; });
+}
+
+/// Lets the stream sound, unless the output has changed since it was opened.
+void Session::begin() {
+  auto expected = Phase::starting;
+  if (!phase.compare_exchange_strong(expected, Phase::running)) throw unavailable(changedWhileOpening);
+  unwatched(pa_stream_cork(stream.get(), 0, nullptr, nullptr));
+}
+
+void Session::changed(pa_subscription_event_type_t event, std::uint32_t index) {
+  const auto facility = event & PA_SUBSCRIPTION_EVENT_FACILITY_MASK;
+  const auto kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
+  if (facility == PA_SUBSCRIPTION_EVENT_SERVER) {
+    unwatched(pa_context_get_server_info(
+        context.get(),
+        [](pa_context*, const pa_server_info* info, void* data) { self(data).compareDefault(info); }, this));
+  } else if (facility == PA_SUBSCRIPTION_EVENT_SINK && portKnown &&
+             index == pa_stream_get_device_index(stream.get())) {
+    if (kind == PA_SUBSCRIPTION_EVENT_REMOVE) return lost();
+    unwatched(pa_context_get_sink_info_by_index(
+        context.get(), index,
+        [](pa_context*, const pa_sink_info* info, int, void* data) { self(data).comparePort(info); }, this));
+  }
+}
+
+/// Notes the default sink, or notices that another one has become it.
+void Session::compareDefault(const pa_server_info* info) {
+  const std::string name = info == nullptr ? "" : text(info->default_sink_name);
+  if (name.empty() || name == undecidedOutput) return;
+  if (defaultSink.empty()) defaultSink = name;
+  if (name != defaultSink) lost();
+}
+
+/// Notes the active port of our sink, or notices that another one has become it (headphones were pulled).
+void Session::comparePort(const pa_sink_info* info) {
+  if (info == nullptr) return;
+  const std::string port = info->active_port == nullptr ? "" : text(info->active_port->name);
+  if (!portKnown) activePort = port;
+  if (port != activePort) lost();
+}
+
+/// The one end that a session comes to by itself: what is left in the stream's buffer is not heard any more.
+void Session::lost() {
+  wake();
+  if (phase.exchange(Phase::over) != Phase::running) return;
+  unwatched(pa_stream_cork(stream.get(), 1, nullptr, nullptr));
+  unwatched(pa_stream_flush(stream.get(), nullptr, nullptr));
+  lostHandler();
+}
+
+/// Gives the stream the `bytes` it asks for: silence until the start has succeeded, nothing after the end.
+void Session::write(std::size_t bytes) {
+  const std::array<float*, 2> buffers = {planes.plane(0), planes.plane(1)};
+  while (bytes >= frameBytes && phase != Phase::over) {
+    void* memory = nullptr;
+    std::size_t size = std::min(bytes, planeFrames * frameBytes);
+    if (pa_stream_begin_write(stream.get(), &memory, &size) < 0 || memory == nullptr) return lost();
+    const auto frames = static_cast<std::int64_t>(std::min(size, planeFrames * frameBytes) / frameBytes);
+    size = static_cast<std::size_t>(frames) * frameBytes;
+    bool silence = true;
+    if (phase == Phase::running) source(silence, buffers, frames);
+    if (silence) {
+      std::memset(memory, 0, size);
+    } else {
+      auto* samples = static_cast<float*>(memory);
+      for (std::int64_t i = 0; i < frames; ++i) {
+        samples[2 * i] = buffers[0][i];
+        samples[2 * i + 1] = buffers[1][i];
+      }
+    }
+    if (pa_stream_write(stream.get(), memory, size, nullptr, 0, PA_SEEK_RELATIVE) < 0) return lost();
+    bytes -= std::min(bytes, size);
+  }
+}
+
+/// The engine on libpulse, which PulseAudio and PipeWire serve alike.
+class PulseEngine final : public AudioEngine {
+ public:
+  explicit PulseEngine(std::string server) : address(std::move(server)) {}
+
+  void connect(RenderCallback callback, ConfigurationChange handler) override {
+    source = std::move(callback);
+    configurationChanged = std::move(handler);
+  }
+  void start(std::uint64_t number) override {
+    session.reset();
+    session = std::make_unique<Session>(address, source, [this, number] { configurationChanged(number); });
+  }
+  void stop() override { session.reset(); }
+  bool isRunning() const override { return session != nullptr && session->isRunning(); }
+
+ private:
+  const std::string address;
+  RenderCallback source;
+  ConfigurationChange configurationChanged;
+  std::unique_ptr<Session> session;  // also one that is over, until the next start or stop
+};
+
+}  // namespace
+
+std::unique_ptr<AudioEngine> makeAudioEngine(const std::string& server) {
+  return std::make_unique<PulseEngine>(server);
+}
+
+}  // namespace zarnet

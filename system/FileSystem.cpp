@@ -1,0 +1,87 @@
+#include "system/FileSystem.h"
+
+#include "system/PlatformError.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include <stdio.h>
+#include <sys/stat.h>
+#include <uuid/uuid.h>
+
+namespace zarnet {
+
+namespace {
+
+std::filesystem::path withoutTrailingSeparators(const std::filesystem::path& path) {
+  return path.has_filename() ? path : path.parent_path();
+}
+
+}  // namespace
+
+std::filesystem::path temporaryFolder() {
+  const char* chosen = std::getenv("TMPDIR");
+  return absolutePath(chosen != nullptr && *chosen != '\0' ? chosen : P_tmpdir);
+}
+
+void createPrivateFolder(const std::filesystem::path& path) {
+  if (path.has_parent_path()) createFolders(path.parent_path());
+  if (mkdir(path.c_str(), 0700) != 0) throw systemError(path, "could not be created", errno);
+}
+
+void createFolders(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error) throw systemError(path, "could not be created", error.value());
+}
+
+bool fileExists(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(path, ignored);
+}
+
+void moveFile(const std::filesystem::path& from, const std::filesystem::path& to) {
+  if (rename(from.c_str(), to.c_str()) != 0) throw systemError(from, "could not be moved", errno);
+}
+
+void removeAll(const std::filesystem::path& path) {
+  std::error_code error;
+  std::filesystem::remove_all(path, error);
+  if (error) throw systemError(path, "could not be removed", error.value());
+}
+
+std::vector<std::filesystem::path> folderEntries(const std::filesystem::path& path) {
+  std::vector<std::filesystem::path> entries;
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(path, error), end; !error && entry != end;
+       entry.increment(error))
+    entries.push_back(entry->path());
+  if (error) throw systemError(path, "could not be listed", error.value());
+  return entries;
+}
+
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+  return error ? path : absolute;
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& path) {
+  return withoutTrailingSeparators(path).parent_path();
+}
+
+std::filesystem::path standardized(const std::filesystem::path& path) {
+  return withoutTrailingSeparators(path.lexically_normal());
+}
+
+std::string newUUID() {
+  uuid_t identity;
+  uuid_generate_random(identity);
+  std::array<char, UUID_STR_LEN> text;
+  uuid_unparse_upper(identity, text.data());
+  return text.data();
+}
+
+}  // namespace zarnet
