@@ -2,8 +2,8 @@
 // on a real audio server. Both include what the test's own recorder and helper programs take.
 
 #include "playback/AudioPlayer.h"
-#include "tests/playback/ReferencePlayer.h"
 #include "tests/support/PulseServer.h"
+#include "tests/support/ReferencePlayer.h"
 #include "tests/support/Wait.h"
 
 #include <algorithm>

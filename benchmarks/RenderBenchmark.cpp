@@ -1,8 +1,8 @@
 // The cost of a frame in the player's render callback, in seconds, over buffers of 512 frames.
 
 #include "playback/AudioPlayer.h"
-#include "tests/playback/ReferencePlayer.h"
 #include "tests/support/FakeAudioEngine.h"
+#include "tests/support/ReferencePlayer.h"
 
 #include <algorithm>
 #include <array>

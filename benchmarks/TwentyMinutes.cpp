@@ -3,6 +3,7 @@
 #include "audio/PCM.h"
 #include "media/AudioFileWriter.h"
 #include "system/FileSystem.h"
+#include "system/UUID.h"
 
 #include <cstdint>
 #include <vector>

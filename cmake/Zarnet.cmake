@@ -25,11 +25,22 @@ add_compile_options(
 # Releases read files of any origin: their tables of addresses become read-only at the start.
 add_link_options("$<$<CONFIG:Release>:LINKER:-z,relro,-z,now>")
 
+# Lets a target, and with PUBLIC or INTERFACE whoever links it, include the headers of the present folder as "folder/Name.h".
+# No other path leads to them: an include of what a room is not linked to does not compile.
+function(zarnet_headers target scope)
+  file(RELATIVE_PATH folder "${PROJECT_SOURCE_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+  set(root "${PROJECT_BINARY_DIR}/rooms/${target}")
+  cmake_path(GET folder PARENT_PATH parent)
+  file(MAKE_DIRECTORY "${root}/${parent}")
+  file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${root}/${folder}" SYMBOLIC)
+  target_include_directories(${target} ${scope} "${root}")
+endfunction()
+
 # zarnet_library(NAME SOURCES … [PUBLIC lib…] [PRIVATE lib…]): the library of one room.
 function(zarnet_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
-  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+  zarnet_headers(${name} PUBLIC)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
@@ -37,6 +48,7 @@ endfunction()
 function(zarnet_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  zarnet_headers(${name} PRIVATE)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} zarnet_support GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
 endfunction()
@@ -45,5 +57,6 @@ endfunction()
 function(zarnet_benchmark name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  zarnet_headers(${name} PRIVATE)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} benchmark::benchmark_main)
 endfunction()

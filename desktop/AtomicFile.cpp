@@ -2,6 +2,7 @@
 
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
+#include "system/UUID.h"
 
 #include <cerrno>
 #include <system_error>

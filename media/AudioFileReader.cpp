@@ -1,7 +1,9 @@
 #include "media/AudioFileReader.h"
 
 #include "media/AudioSource.h"
+#include "media/CodedSource.h"
 #include "media/LinearPCM.h"
+#include "media/LinearSource.h"
 #include "system/FileHandle.h"
 
 namespace zarnet {

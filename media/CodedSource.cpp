@@ -1,5 +1,7 @@
-#include "media/AudioSource.h"
+#include "media/CodedSource.h"
+
 #include "media/LibAv.h"
+#include "media/LinearPCM.h"
 #include "media/SampleConversion.h"
 #include "system/PlatformError.h"
 #include "system/Text.h"

@@ -1,7 +1,7 @@
 #include "media/LinearPCM.h"
 
-#include "media/AudioFileReader.h"
 #include "media/ByteOrder.h"
+#include "media/StreamDescription.h"
 
 #include <algorithm>
 #include <array>

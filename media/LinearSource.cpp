@@ -1,4 +1,5 @@
-#include "media/AudioSource.h"
+#include "media/LinearSource.h"
+
 #include "media/SampleConversion.h"
 #include "system/PlatformError.h"
 #include "system/Text.h"

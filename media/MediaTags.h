@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -24,10 +23,5 @@ struct MediaTags {
   std::vector<std::string> pictures;  ///< encoded pictures as they are stored, `own` before `id3`, each in
                                       ///< the order of the file whatever kind of cover they claim to be
 };
-
-/// Reads the tags of a file. The kind of file is told by its content, never by its name. Never fails: what
-/// cannot be read, a damaged tag, a picture over 64 MiB and a text over 1 MiB are left out; no file at all
-/// gives no tags. Nothing is printed. Any thread.
-MediaTags readMediaTags(const std::filesystem::path& path);
 
 }  // namespace zarnet

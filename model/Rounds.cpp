@@ -4,6 +4,7 @@
 #include "model/NativeModel.h"
 #include "model/StatusValue.h"
 #include "system/FileSystem.h"
+#include "system/UUID.h"
 
 #include <utility>
 

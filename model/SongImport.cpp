@@ -1,6 +1,7 @@
 #include "model/SongImport.h"
 
 #include "audio/AudioInfo.h"
+#include "media/MediaTagReader.h"
 #include "model/ErrorText.h"
 #include "model/TrackMetadata.h"
 #include "system/FileSystem.h"

@@ -1,6 +1,7 @@
 #include "model/TrackMetadata.h"
 
 #include "desktop/Thumbnail.h"
+#include "media/MediaTagReader.h"
 #include "system/Text.h"
 
 #include <vector>

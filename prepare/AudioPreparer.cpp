@@ -5,6 +5,8 @@
 #include "system/FileHandle.h"
 #include "system/FileSystem.h"
 #include "system/Text.h"
+#include "system/TextTail.h"
+#include "system/UUID.h"
 
 #include <optional>
 #include <utility>

@@ -2,14 +2,12 @@
 
 #include "system/PlatformError.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
 
 #include <stdio.h>
 #include <sys/stat.h>
-#include <uuid/uuid.h>
 
 namespace zarnet {
 
@@ -74,14 +72,6 @@ std::filesystem::path folderOf(const std::filesystem::path& path) {
 
 std::filesystem::path standardized(const std::filesystem::path& path) {
   return withoutTrailingSeparators(path.lexically_normal());
-}
-
-std::string newUUID() {
-  uuid_t identity;
-  uuid_generate_random(identity);
-  std::array<char, UUID_STR_LEN> text;
-  uuid_unparse_upper(identity, text.data());
-  return text.data();
 }
 
 }  // namespace zarnet

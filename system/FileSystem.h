@@ -42,7 +42,4 @@ std::filesystem::path folderOf(const std::filesystem::path& path);
 /// Absolute when `path` is; an empty path stays empty.
 std::filesystem::path standardized(const std::filesystem::path& path);
 
-/// A new random UUID in its canonical 36-character upper-case form.
-std::string newUUID();
-
 }  // namespace zarnet

@@ -2,7 +2,7 @@
 // thumbnails or none.
 
 #include "desktop/Thumbnail.h"
-#include "media/MediaTags.h"
+#include "media/MediaTagReader.h"
 #include "system/Text.h"
 #include "tests/fuzz/Fuzzing.h"
 

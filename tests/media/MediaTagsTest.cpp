@@ -1,4 +1,4 @@
-#include "media/MediaTags.h"
+#include "media/MediaTagReader.h"
 #include "tests/support/Programs.h"
 
 namespace zarnet::test {

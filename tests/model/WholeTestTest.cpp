@@ -1,5 +1,5 @@
 #include "tests/model/ModelFixture.h"
-#include "tests/playback/SwitchesHeard.h"
+#include "tests/support/SwitchesHeard.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

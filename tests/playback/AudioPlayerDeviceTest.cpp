@@ -2,8 +2,8 @@
 
 #include "playback/AudioPlayer.h"
 #include "system/PlatformError.h"
-#include "tests/playback/ReferencePlayer.h"
 #include "tests/support/PulseServer.h"
+#include "tests/support/ReferencePlayer.h"
 
 #include <chrono>
 #include <cmath>

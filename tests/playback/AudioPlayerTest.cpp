@@ -1,9 +1,9 @@
 #include "audio/AppError.h"
 #include "playback/AudioPlayer.h"
 #include "system/PlatformError.h"
-#include "tests/playback/ReferencePlayer.h"
 #include "tests/support/Failures.h"
 #include "tests/support/FakeAudioEngine.h"
+#include "tests/support/ReferencePlayer.h"
 
 #include <atomic>
 #include <cmath>

@@ -6,10 +6,10 @@
 #include "system/FileHandle.h"
 #include "system/PlatformError.h"
 #include "system/Text.h"
-#include "tools/Tool.h"
 #include "tools/afconvert/AacEncoder.h"
 #include "tools/afconvert/ReadAhead.h"
 #include "tools/afconvert/Resampler.h"
+#include "tools/support/Tool.h"
 
 #include <limits>
 #include <optional>

@@ -6,10 +6,11 @@
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
 #include "system/Text.h"
-#include "tools/Tool.h"
+#include "system/UUID.h"
 #include "tools/prepare/Options.h"
 #include "tools/prepare/Results.h"
 #include "tools/prepare/StopSignals.h"
+#include "tools/support/Tool.h"
 
 #include <cerrno>
 #include <chrono>

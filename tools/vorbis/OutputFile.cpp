@@ -1,6 +1,6 @@
 #include "tools/vorbis/OutputFile.h"
 
-#include "tools/Tool.h"
+#include "tools/support/Tool.h"
 
 namespace zarnet {
 

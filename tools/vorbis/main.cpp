@@ -1,6 +1,6 @@
 // vorbis-tool: encodes raw sample files as Ogg Vorbis and decodes them again.
 
-#include "tools/Tool.h"
+#include "tools/support/Tool.h"
 #include "tools/vorbis/Decode.h"
 #include "tools/vorbis/Encode.h"
 

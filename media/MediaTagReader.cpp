@@ -1,4 +1,4 @@
-#include "media/MediaTags.h"
+#include "media/MediaTagReader.h"
 
 #include "media/ChunkTags.h"
 #include "media/Id3Frames.h"
