@@ -5,10 +5,8 @@
 
 namespace zarnet {
 
-/// Encodes a picture as a PNG file of 8-bit RGBA without any further properties. Made for drawings with large
-/// even areas: rows are stored unfiltered, which for those is both quicker and smaller than what an encoder
-/// for photographs does. Needs little memory besides the result. Raises std::bad_alloc. Any thread.
-/// Requires: Format_RGBA8888, at least one pixel.
+/// Encodes a picture as a PNG file of 8-bit RGBA, quickly and with little memory besides the result. Raises
+/// std::bad_alloc. Any thread. Requires: Format_RGBA8888, at least one pixel.
 QByteArray encodedPNG(const QImage& image);
 
 }  // namespace zarnet
