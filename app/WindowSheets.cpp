@@ -33,9 +33,7 @@ void WindowSheets::show(const OpenPanel& panel,
                         std::function<void(std::vector<std::filesystem::path>)> done) {
   auto* dialog = new QFileDialog(window, panel.title);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setFileMode(panel.choosesFolders    ? QFileDialog::Directory
-                      : panel.choosesMultiple ? QFileDialog::ExistingFiles
-                                              : QFileDialog::ExistingFile);
+  dialog->setFileMode(panel.choosesMultiple ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile);
   dialog->setNameFilter(filterOf(QStringLiteral("Lossless audio"), panel.extensions));
   dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::MusicLocation));
   QObject::connect(dialog, &QDialog::finished, dialog, [dialog, done = std::move(done)](int result) {

@@ -11,7 +11,6 @@ namespace zarnet {
 /// A panel in which the user chooses existing files.
 struct OpenPanel {
   QString title;
-  bool choosesFolders = false;
   bool choosesMultiple = false;
   std::vector<QString> extensions;  ///< of the files that may be chosen, without the dot, in either case
 };
