@@ -4,6 +4,7 @@
 #include "audio/VectorMath.h"
 #include "media/AudioFileReader.h"
 #include "system/FileHandle.h"
+#include "system/Interleaving.h"
 
 #include <algorithm>
 #include <array>
@@ -22,9 +23,10 @@ AppError undecodable() {
   return AppError("The comparison audio could not be decoded.");
 }
 
-std::unique_ptr<SampleBuffer> allocate(std::int64_t frames) {
+/// Not cleared: the pages of a large buffer cost nothing until the reader fills them.
+std::unique_ptr<float[]> allocate(std::int64_t samples) {
   try {
-    return std::make_unique<SampleBuffer>(2u, frames);
+    return std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(samples));
   } catch (const std::bad_alloc&) {
     throw undecodable();
   }
@@ -33,7 +35,8 @@ std::unique_ptr<SampleBuffer> allocate(std::int64_t frames) {
 }  // namespace
 
 struct PCM::Loaded {
-  std::unique_ptr<const SampleBuffer> buffer;
+  std::unique_ptr<const float[]> buffer;
+  std::int64_t planeLength;  // samples from the start of one plane to that of the other
   std::int64_t count;
 };
 
@@ -42,11 +45,11 @@ PCM::Loaded PCM::load(const std::filesystem::path& url) {
   if (file.processingChannels() != 2 || file.processingRate() != rate) throw undecodable();
   const std::int64_t length = file.length();
   if (length < 1 || length > maximumCount) throw undecodable();
-  std::unique_ptr<SampleBuffer> buffer = allocate(length);
-  float* const planes[] = {buffer->plane(0), buffer->plane(1)};
+  std::unique_ptr<float[]> buffer = allocate(2 * length);
+  float* const planes[] = {buffer.get(), buffer.get() + length};
   const std::int64_t delivered = file.read(planes, length);
   if (delivered == 0) throw AppError("The decoded file is empty.");
-  return {std::move(buffer), delivered};
+  return {std::move(buffer), length, delivered};
 }
 
 PCM::PCM(const std::filesystem::path& url) : PCM(load(url)) {}
@@ -54,8 +57,8 @@ PCM::PCM(const std::filesystem::path& url) : PCM(load(url)) {}
 PCM::PCM(Loaded loaded)
     : buffer(std::move(loaded.buffer)),
       count(loaded.count),
-      left(buffer->plane(0)),
-      right(buffer->plane(1)) {}
+      left(buffer.get()),
+      right(buffer.get() + loaded.planeLength) {}
 
 float PCM::peak() const {
   return std::max(maximumMagnitude(left, count), maximumMagnitude(right, count));
@@ -65,12 +68,9 @@ void PCM::writeRaw(const std::filesystem::path& to) const {
   FileHandle file = FileHandle::createForWriting(to);
   std::array<float, 2 * chunkFrames> scratch{};
   for (std::int64_t start = 0; start < count; start += chunkFrames) {
-    const auto frames = static_cast<std::size_t>(std::min(chunkFrames, count - start));
-    for (std::size_t i = 0; i < frames; ++i) {
-      scratch[2 * i] = left[start + static_cast<std::int64_t>(i)];
-      scratch[2 * i + 1] = right[start + static_cast<std::int64_t>(i)];
-    }
-    file.write(scratch.data(), 2 * frames * sizeof(float));
+    const std::int64_t frames = std::min(chunkFrames, count - start);
+    interleave(left + start, right + start, frames, scratch.data());
+    file.write(scratch.data(), static_cast<std::size_t>(2 * frames) * sizeof(float));
   }
 }
 

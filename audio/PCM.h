@@ -1,7 +1,5 @@
 #pragma once
 
-#include "system/SampleBuffer.h"
-
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -43,10 +41,10 @@ class PCM {
   explicit PCM(Loaded loaded);
 
  public:
-  const std::unique_ptr<const SampleBuffer> buffer;  ///< owns both planes
-  const std::int64_t count;                          ///< frames, 1 to `maximumCount`
-  const float* const left;                           ///< `count` samples
-  const float* const right;                          ///< `count` samples
+  const std::unique_ptr<const float[]> buffer;  ///< owns both planes
+  const std::int64_t count;                     ///< frames, 1 to `maximumCount`
+  const float* const left;                      ///< `count` samples
+  const float* const right;                     ///< `count` samples
 };
 
 }  // namespace zarnet

@@ -1,11 +1,10 @@
 #include "benchmarks/TwentyMinutes.h"
 #include "media/AudioFileReader.h"
 #include "system/FileHandle.h"
-#include "system/SampleBuffer.h"
 #include "tests/support/Programs.h"
 
 #include <filesystem>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -32,8 +31,8 @@ class Converted {
 void load(benchmark::State& state, const std::filesystem::path& path) {
   for ([[maybe_unused]] auto _ : state) {
     AudioFileReader reader(path);
-    std::optional<SampleBuffer> buffer(std::in_place, reader.processingChannels(), reader.length());
-    float* const planes[] = {buffer->plane(0), buffer->plane(1)};
+    auto buffer = std::make_unique_for_overwrite<float[]>(static_cast<std::size_t>(2 * reader.length()));
+    float* const planes[] = {buffer.get(), buffer.get() + reader.length()};
     if (reader.read(planes, reader.length()) != reader.length()) state.SkipWithError("the file ended early");
     state.PauseTiming();
     buffer.reset();
@@ -47,8 +46,8 @@ void copyFloatCaf(benchmark::State& state) {
   const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(twentyMinutes()));
   for ([[maybe_unused]] auto _ : state) {
     const FileHandle file = FileHandle::openForReading(twentyMinutes());
-    std::optional<SampleBuffer> buffer(std::in_place, 1, bytes / 4 + 1);
-    benchmark::DoNotOptimize(file.readAt(0, buffer->plane(0), static_cast<std::size_t>(bytes)));
+    auto buffer = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(bytes));
+    benchmark::DoNotOptimize(file.readAt(0, buffer.get(), static_cast<std::size_t>(bytes)));
     state.PauseTiming();
     buffer.reset();
     state.ResumeTiming();

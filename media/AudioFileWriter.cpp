@@ -2,6 +2,7 @@
 
 #include "media/ByteOrder.h"
 #include "system/FileHandle.h"
+#include "system/Interleaving.h"
 #include "system/PlatformError.h"
 #include "system/Text.h"
 
@@ -15,15 +16,17 @@ namespace zarnet {
 
 namespace {
 
-constexpr std::int64_t bufferBytes = 1 << 18;
+constexpr std::uint32_t channels = 2;
 constexpr std::int64_t sampleBytes = sizeof(float);
+constexpr std::int64_t frameBytes = sampleBytes * channels;
+constexpr std::int64_t bufferFrames = (1 << 18) / frameBytes;
 
 /// What the size of a WAVE file counts besides the samples: its header without the first eight bytes.
 constexpr std::int64_t waveOverheadBytes = 50;
 constexpr std::int64_t maximumWaveBytes = std::numeric_limits<std::uint32_t>::max() - waveOverheadBytes;
 
 /// A Core Audio Format header up to the first sample; `dataBytes` bytes of samples follow.
-std::string cafHeader(double rate, std::uint32_t channels, std::int64_t dataBytes) {
+std::string cafHeader(double rate, std::int64_t dataBytes) {
   constexpr std::uint32_t floatLittleEndian = 1 | 2;
   constexpr std::int64_t descriptionBytes = 32;
   constexpr std::int64_t editCountBytes = 4;
@@ -35,8 +38,8 @@ std::string cafHeader(double rate, std::uint32_t channels, std::int64_t dataByte
   appendBigEndian(header, rate);
   header += "lpcm";
   appendBigEndian(header, floatLittleEndian);
-  appendBigEndian(header, static_cast<std::uint32_t>(sampleBytes * channels));  // bytes a packet
-  appendBigEndian(header, std::uint32_t{1});                                    // frames a packet
+  appendBigEndian(header, static_cast<std::uint32_t>(frameBytes));  // bytes a packet
+  appendBigEndian(header, std::uint32_t{1});                        // frames a packet
   appendBigEndian(header, channels);
   appendBigEndian(header, static_cast<std::uint32_t>(8 * sampleBytes));
   header += "data";
@@ -46,10 +49,9 @@ std::string cafHeader(double rate, std::uint32_t channels, std::int64_t dataByte
 }
 
 /// A RIFF WAVE header up to the first sample.
-std::string waveHeader(double rate, std::uint32_t channels, std::int64_t dataBytes) {
+std::string waveHeader(double rate, std::int64_t dataBytes) {
   constexpr std::uint16_t ieeeFloat = 3;
   const auto wholeRate = static_cast<std::uint32_t>(std::lround(rate));
-  const auto frameBytes = static_cast<std::uint32_t>(sampleBytes * channels);
   std::string header = "RIFF";
   appendLittleEndian(header, static_cast<std::uint32_t>(waveOverheadBytes + dataBytes));
   header += "WAVEfmt ";
@@ -57,7 +59,7 @@ std::string waveHeader(double rate, std::uint32_t channels, std::int64_t dataByt
   appendLittleEndian(header, ieeeFloat);
   appendLittleEndian(header, static_cast<std::uint16_t>(channels));
   appendLittleEndian(header, wholeRate);
-  appendLittleEndian(header, wholeRate * frameBytes);
+  appendLittleEndian(header, static_cast<std::uint32_t>(wholeRate * frameBytes));
   appendLittleEndian(header, static_cast<std::uint16_t>(frameBytes));
   appendLittleEndian(header, static_cast<std::uint16_t>(8 * sampleBytes));
   appendLittleEndian(header, std::uint16_t{0});  // no extension
@@ -80,24 +82,18 @@ AudioFileContainer containerNamedBy(const std::filesystem::path& path) {
 }  // namespace
 
 struct AudioFileWriter::State {
-  State(const std::filesystem::path& path, AudioFileContainer kind, double sampleRate,
-        std::uint32_t channelCount);
+  State(const std::filesystem::path& path, AudioFileContainer kind, double sampleRate);
 
   std::string header() const {
-    return container == AudioFileContainer::caf ? cafHeader(rate, channels, dataBytes)
-                                                : waveHeader(rate, channels, dataBytes);
+    return container == AudioFileContainer::caf ? cafHeader(rate, dataBytes) : waveHeader(rate, dataBytes);
   }
   /// Frames that the buffer has room for.
   std::int64_t roomFor() const { return bufferFrames - pendingFrames; }
-  void interleave(const float* const* planes, std::int64_t first, std::int64_t count);
   void flush();
 
   FileHandle file;
   AudioFileContainer container;
   double rate;
-  std::uint32_t channels;
-  std::int64_t frameBytes;
-  std::int64_t bufferFrames;
   std::vector<float> pending;      ///< interleaved, not yet in the file
   std::int64_t pendingFrames = 0;  ///< in `pending`, from its start
   std::int64_t dataOffset = 0;     ///< of the first sample in the file
@@ -105,35 +101,14 @@ struct AudioFileWriter::State {
   bool finished = false;
 };
 
-AudioFileWriter::State::State(const std::filesystem::path& path, AudioFileContainer kind, double sampleRate,
-                              std::uint32_t channelCount)
+AudioFileWriter::State::State(const std::filesystem::path& path, AudioFileContainer kind, double sampleRate)
     : file(FileHandle::createForWriting(path)),
       container(kind),
       rate(sampleRate),
-      channels(channelCount),
-      frameBytes(sampleBytes * channelCount),
-      bufferFrames(std::max<std::int64_t>(1, bufferBytes / frameBytes)),
-      pending(static_cast<std::size_t>(bufferFrames) * channelCount) {
+      pending(static_cast<std::size_t>(bufferFrames) * channels) {
   const std::string start = header();
   dataOffset = static_cast<std::int64_t>(start.size());
   file.writeAt(0, start.data(), start.size());
-}
-
-void AudioFileWriter::State::interleave(const float* const* planes, std::int64_t first, std::int64_t count) {
-  float* target = pending.data() + pendingFrames * channels;
-  if (channels == 2) {  // the common case, which the compiler turns into whole vectors
-    for (std::int64_t i = 0; i < count; ++i) {
-      target[2 * i] = planes[0][first + i];
-      target[2 * i + 1] = planes[1][first + i];
-    }
-  } else {
-    for (std::int64_t i = 0; i < count; ++i) {
-      for (std::uint32_t channel = 0; channel < channels; ++channel)
-        *target++ = planes[channel][first + i];
-    }
-  }
-  pendingFrames += count;
-  dataBytes += frameBytes * count;
 }
 
 void AudioFileWriter::State::flush() {
@@ -142,12 +117,12 @@ void AudioFileWriter::State::flush() {
   pendingFrames = 0;
 }
 
-AudioFileWriter::AudioFileWriter(const std::filesystem::path& path, double sampleRate, std::uint32_t channels)
-    : AudioFileWriter(path, containerNamedBy(path), sampleRate, channels) {}
+AudioFileWriter::AudioFileWriter(const std::filesystem::path& path, double sampleRate)
+    : AudioFileWriter(path, containerNamedBy(path), sampleRate) {}
 
 AudioFileWriter::AudioFileWriter(const std::filesystem::path& path, AudioFileContainer container,
-                                 double sampleRate, std::uint32_t channels)
-    : state(std::make_unique<State>(path, container, sampleRate, channels)) {}
+                                 double sampleRate)
+    : state(std::make_unique<State>(path, container, sampleRate)) {}
 
 AudioFileWriter::~AudioFileWriter() {
   try {
@@ -159,13 +134,16 @@ AudioFileWriter::~AudioFileWriter() {
 
 void AudioFileWriter::write(const float* const* planes, std::int64_t frames) {
   const bool limited = state->container == AudioFileContainer::wave;
-  if (limited && frames > (maximumWaveBytes - state->dataBytes) / state->frameBytes) {
+  if (limited && frames > (maximumWaveBytes - state->dataBytes) / frameBytes) {
     throw PlatformError(quotedName(state->file.location()) +
                         " could not be written: A WAV file holds no more than 4 GB.");
   }
   for (std::int64_t done = 0; done < frames;) {
     const std::int64_t count = std::min(frames - done, state->roomFor());
-    state->interleave(planes, done, count);
+    interleave(planes[0] + done, planes[1] + done, count,
+               state->pending.data() + state->pendingFrames * channels);
+    state->pendingFrames += count;
+    state->dataBytes += frameBytes * count;
     done += count;
     if (state->roomFor() == 0) state->flush();
   }

@@ -1,7 +1,7 @@
 #include "output/AudioEngine.h"
 
+#include "system/Interleaving.h"
 #include "system/PlatformError.h"
-#include "system/SampleBuffer.h"
 
 #include <algorithm>
 #include <array>
@@ -91,7 +91,7 @@ class Session {
 
   const RenderCallback& source;
   const std::function<void()> lostHandler;
-  const SampleBuffer planes{2, planeFrames};
+  std::array<std::array<float, planeFrames>, 2> planes{};
   const Owned<pa_threaded_mainloop> loop;
   Owned<pa_context> context;
   Owned<pa_stream> stream;
@@ -309,7 +309,7 @@ void Session::lost() {
 
 /// Gives the stream the `bytes` it asks for: silence until the start has succeeded, nothing after the end.
 void Session::write(std::size_t bytes) {
-  const std::array<float*, 2> buffers = {planes.plane(0), planes.plane(1)};
+  const std::array<float*, 2> buffers = {planes[0].data(), planes[1].data()};
   while (bytes >= frameBytes && phase != Phase::over) {
     void* memory = nullptr;
     std::size_t size = std::min(bytes, planeFrames * frameBytes);
@@ -321,11 +321,7 @@ void Session::write(std::size_t bytes) {
     if (silence) {
       std::memset(memory, 0, size);
     } else {
-      auto* samples = static_cast<float*>(memory);
-      for (std::int64_t i = 0; i < frames; ++i) {
-        samples[2 * i] = buffers[0][i];
-        samples[2 * i + 1] = buffers[1][i];
-      }
+      interleave(buffers[0], buffers[1], frames, static_cast<float*>(memory));
     }
     if (pa_stream_write(stream.get(), memory, size, nullptr, 0, PA_SEEK_RELATIVE) < 0) return lost();
     bytes -= std::min(bytes, size);

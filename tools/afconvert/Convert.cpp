@@ -20,7 +20,6 @@ namespace zarnet {
 namespace {
 
 constexpr double workingRate = 48000;
-constexpr std::uint32_t workingChannels = 2;
 
 // Beyond these the resampler takes gigabytes, or for ever. The higher one is the most that a WAVE file
 // states.
@@ -55,7 +54,7 @@ void produce(const std::filesystem::path& output, Complete complete) {
 
 void writeLinear(const Options& options, ReadAhead& blocks, AudioFileContainer container) {
   produce(options.output, [&] {
-    AudioFileWriter writer(options.output, container, workingRate, workingChannels);
+    AudioFileWriter writer(options.output, container, workingRate);
     for (FrameBlock block = blocks.next(); block.count > 0; block = blocks.next())
       writer.write(block.planes.data(), block.count);
     writer.finish();

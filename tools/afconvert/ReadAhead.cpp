@@ -7,7 +7,7 @@ namespace zarnet {
 ReadAhead::ReadAhead(std::uint32_t channelCount, FrameSource frames)
     : channels(channelCount),
       source(std::move(frames)),
-      samples(channelCount, blockFrames * blockCount),
+      samples(static_cast<std::size_t>(channelCount * blockCount * blockFrames)),
       thread([this] { run(); }) {}
 
 ReadAhead::~ReadAhead() {
@@ -70,8 +70,8 @@ void ReadAhead::deliver(std::int64_t frames, std::exception_ptr error) {
   changed.notify_all();
 }
 
-float* ReadAhead::plane(std::int64_t block, std::uint32_t channel) const {
-  return samples.plane(channel) + block * blockFrames;
+float* ReadAhead::plane(std::int64_t block, std::uint32_t channel) {
+  return samples.data() + (channel * blockCount + block) * blockFrames;
 }
 
 }  // namespace zarnet

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "system/Mutex.h"
-#include "system/SampleBuffer.h"
 
 #include <array>
 #include <condition_variable>
@@ -9,6 +8,7 @@
 #include <exception>
 #include <functional>
 #include <thread>
+#include <vector>
 
 namespace zarnet {
 
@@ -47,11 +47,11 @@ class ReadAhead {
   void run() EXCLUDES(mutex);
   bool waitForRoom() EXCLUDES(mutex);
   void deliver(std::int64_t frames, std::exception_ptr error) EXCLUDES(mutex);
-  float* plane(std::int64_t block, std::uint32_t channel) const;
+  float* plane(std::int64_t block, std::uint32_t channel);
 
   const std::uint32_t channels;
   const FrameSource source;
-  const SampleBuffer samples;
+  std::vector<float> samples;  ///< the blocks of the first channel, then those of the second
 
   // Touched by the thread that calls `next` alone.
   bool holdsBlock = false;

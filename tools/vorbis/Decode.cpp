@@ -1,6 +1,7 @@
 #include "tools/vorbis/Decode.h"
 
 #include "system/FileHandle.h"
+#include "system/Interleaving.h"
 #include "system/Text.h"
 #include "tools/vorbis/Format.h"
 #include "tools/vorbis/OutputFile.h"
@@ -116,11 +117,7 @@ void decodePart(const std::filesystem::path& input, OutputFile& output, std::int
     const auto wanted = std::min<std::int64_t>(last - position, chunkFrames);
     const int count = decoder.read(planes, static_cast<int>(wanted));
     if (count == 0) break;
-    float* next = frames.data();
-    for (int i = 0; i < count; ++i) {
-      *next++ = planes[0][i];
-      *next++ = planes[1][i];
-    }
+    interleave(planes[0], planes[1], count, frames.data());
     part.append(frames.data(), static_cast<std::size_t>(count * frameBytes));
     position += count;
   }

@@ -1,6 +1,7 @@
 #include "tools/vorbis/Encode.h"
 
 #include "system/FileHandle.h"
+#include "system/Interleaving.h"
 #include "system/Text.h"
 #include "tools/vorbis/Format.h"
 #include "tools/vorbis/OutputFile.h"
@@ -45,10 +46,7 @@ class Encoder {
   /// Encodes interleaved frames. Requires: 0 < frames ≤ chunkFrames.
   void write(const float* frames, int count) {
     float** planes = vorbis_analysis_buffer(analysis.get(), count);
-    for (int i = 0; i < count; ++i) {
-      planes[0][i] = *frames++;
-      planes[1][i] = *frames++;
-    }
+    deinterleave(frames, count, planes[0], planes[1]);
     advance(count);
   }
 
