@@ -8,7 +8,7 @@
 #include "app/controls/Motion.h"
 #include "app/controls/Symbol.h"
 #include "app/controls/Typography.h"
-#include "model/ErrorText.h"
+#include "system/UserError.h"
 
 #include <QAction>
 #include <QApplication>
@@ -70,8 +70,8 @@ bool AppDelegate::applicationDidFinishLaunching() {
   try {
     model = std::make_unique<NativeModel>(resources);
   } catch (const std::exception& error) {
-    AlertSheet alert(nullptr, QStringLiteral("Unable to open Zarnet"), errorText(error),
-                     {QStringLiteral("OK")});
+    AlertSheet alert(nullptr, QStringLiteral("Unable to open Zarnet"),
+                     QString::fromStdString(errorDescription(error)), {QStringLiteral("OK")});
     alert.setAttribute(Qt::WA_DeleteOnClose, false);
     alert.exec();
     return false;

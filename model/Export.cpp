@@ -1,5 +1,4 @@
 #include "desktop/AtomicFile.h"
-#include "model/ErrorText.h"
 #include "model/FileNames.h"
 #include "model/NativeModel.h"
 #include "results/ResultsImage.h"
@@ -46,7 +45,7 @@ void NativeModel::saveResults() {
                .extension = QStringLiteral("png")},
               [image = resultsPNG().toStdString()] { return image; });
   } catch (const std::exception& failure) {
-    error = errorText(failure);
+    fail(failure);
   }
 }
 
@@ -57,7 +56,7 @@ void NativeModel::offerFile(const SavePanel& panel, std::function<std::string()>
     try {
       writeAtomically(*destination, content());
     } catch (const std::exception& failure) {
-      error = errorText(failure);
+      fail(failure);
     }
   });
 }

@@ -1,5 +1,5 @@
-#include "model/ErrorText.h"
 #include "model/NativeModel.h"
+#include "system/UserError.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -18,7 +18,7 @@ void NativeModel::importFiles(std::vector<std::filesystem::path> files) {
     try {
       imported = importSongs(files, stop);
     } catch (const std::exception& failure) {
-      imported.messages.push_back(errorText(failure));
+      imported.messages.push_back(QString::fromStdString(errorDescription(failure)));
     }
     interfaceThread.post([this, imported = std::move(imported), stop]() mutable {
       if (stop.stop_requested()) {

@@ -1,9 +1,9 @@
 #include "model/NativeModel.h"
 
 #include "desktop/Appearance.h"
-#include "model/ErrorText.h"
 #include "model/StatusValue.h"
 #include "prepare/Codecs.h"
+#include "system/UserError.h"
 
 #include <algorithm>
 #include <chrono>
@@ -80,13 +80,17 @@ void NativeModel::applyAppearance() const {
                                                      : std::nullopt);
 }
 
+void NativeModel::fail(const std::exception& failure) {
+  error = QString::fromStdString(errorDescription(failure));
+}
+
 void NativeModel::inBackground(std::jthread& thread, Published<bool>& running,
                                std::function<void(const std::stop_token&)> work) {
   try {
     thread = std::jthread(std::move(work));
   } catch (const std::system_error& failure) {
     running = false;
-    error = errorText(failure);
+    fail(failure);
   }
 }
 

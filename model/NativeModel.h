@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QUuid>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -179,6 +180,7 @@ class NativeModel {
   void followPlayer();
   void merge(ImportedSongs imported);
   void load(const PreparedAudio& comparison, const Round& round);
+  void fail(const std::exception& failure);
   /// Runs `removal`; a failure becomes `error`.
   void removeTemporary(const std::function<void()>& removal);
   /// Shows the panel and writes what `content` then gives where the user said.

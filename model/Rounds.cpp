@@ -1,10 +1,10 @@
-#include "model/ErrorText.h"
 #include "model/FileNames.h"
 #include "model/LosslessSide.h"
 #include "model/NativeModel.h"
 #include "model/StatusValue.h"
 #include "system/FileSystem.h"
 #include "system/UUID.h"
+#include "system/UserError.h"
 
 #include <utility>
 
@@ -54,10 +54,11 @@ void NativeModel::prepare(std::int64_t track, std::optional<Vote> committing) {
                 load(comparison, round);
               });
         } catch (const std::exception& failure) {
-          interfaceThread.post([this, identity = round.identity, message = errorText(failure)] {
-            busy = false;
-            if (job == identity) error = message;
-          });
+          interfaceThread.post(
+              [this, identity = round.identity, message = QString::fromStdString(errorDescription(failure))] {
+                busy = false;
+                if (job == identity) error = message;
+              });
         }
       });
 }
@@ -131,7 +132,7 @@ void NativeModel::playPause() {
   try {
     player.play();
   } catch (const std::exception& failure) {
-    error = errorText(failure);
+    fail(failure);
   }
 }
 
@@ -161,7 +162,8 @@ void NativeModel::removeTemporary(const std::function<void()>& removal) {
   try {
     removal();
   } catch (const std::exception& failure) {
-    error = QStringLiteral("Could not remove temporary audio: ") + errorText(failure);
+    error = QStringLiteral("Could not remove temporary audio: ") +
+            QString::fromStdString(errorDescription(failure));
   }
 }
 

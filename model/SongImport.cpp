@@ -2,9 +2,9 @@
 
 #include "audio/AudioInfo.h"
 #include "media/MediaTagReader.h"
-#include "model/ErrorText.h"
 #include "model/TrackMetadata.h"
 #include "system/FileSystem.h"
+#include "system/UserError.h"
 
 namespace zarnet {
 
@@ -36,7 +36,7 @@ ImportedSongs importSongs(const std::vector<std::filesystem::path>& urls, const 
     try {
       imported.songs.push_back(importedSong(url));
     } catch (const std::exception& error) {
-      imported.messages.push_back(errorText(error));
+      imported.messages.push_back(QString::fromStdString(errorDescription(error)));
     }
   }
   return imported;

@@ -4,6 +4,8 @@
 
 namespace zarnet {
 
-ResultsError::ResultsError(QString sentence) : message(std::move(sentence)), bytes(message.toStdString()) {}
+ResultsError::ResultsError(std::string sentence)
+    : UserError(std::move(sentence)),
+      origin(std::string(domain) + " " + std::to_string(code) + ": " + message) {}
 
 }  // namespace zarnet

@@ -1,25 +1,24 @@
 #pragma once
 
-#include <QString>
-#include <exception>
+#include "system/UserError.h"
+
 #include <string>
 
 namespace zarnet {
 
-/// Why there is no results image.
-class ResultsError : public std::exception {
+/// Why there is no results image. Where nobody shows its message, `what()` tells where it comes from as well:
+/// "Zarnet.Results 1: Complete a comparison first.".
+class ResultsError : public UserError {
  public:
-  explicit ResultsError(QString sentence);
-
-  const char* what() const noexcept override { return bytes.c_str(); }
-
-  const QString message;  ///< a whole sentence for the user; `what()` is the same in UTF-8
-
   static constexpr const char* domain = "Zarnet.Results";
   static constexpr int code = 1;
 
+  explicit ResultsError(std::string sentence);
+
+  const char* what() const noexcept override { return origin.c_str(); }
+
  private:
-  std::string bytes;
+  const std::string origin;
 };
 
 }  // namespace zarnet

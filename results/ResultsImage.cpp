@@ -124,14 +124,14 @@ void drawRow(QPainter& painter, std::size_t number, const TrackResult& answer, c
 }
 
 ResultsError notCreated() {
-  return ResultsError(QStringLiteral("Could not create the results image."));
+  return ResultsError("Could not create the results image.");
 }
 
 }  // namespace
 
 QByteArray renderResultsPNG(const std::vector<TrackResult>& answers, const QString& codec,
                             std::int64_t bitrate, bool matched) {
-  if (answers.empty()) throw ResultsError(QStringLiteral("Complete a comparison first."));
+  if (answers.empty()) throw ResultsError("Complete a comparison first.");
 
   const QFont titleFont = resultsFont(23, QFont::DemiBold);
   std::deque<TextBlock> titles;

@@ -24,8 +24,7 @@ ResultsLayout resultsLayout(const std::vector<double>& titleHeights) {
     layout.height += height;
     y += height + rowGap;
   }
-  if (layout.height >= tooHigh)
-    throw ResultsError(QStringLiteral("This comparison is too large to save as one image."));
+  if (layout.height >= tooHigh) throw ResultsError("This comparison is too large to save as one image.");
   return layout;
 }
 

@@ -1,18 +1,20 @@
 #pragma once
 
+#include "system/UserError.h"
+
 #include <filesystem>
-#include <stdexcept>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace zarnet {
 
 /// A failure of the platform: a file that cannot be opened, a program that cannot be started, a server that
-/// is gone. `what()` is a whole sentence for the user, in UTF-8, that names the file or program and the
-/// reason: “take.flac” could not be opened: No such file or directory. It passes every layer unchanged;
-/// nobody wraps it in another error.
-class PlatformError : public std::runtime_error {
+/// is gone. Its sentence names the file or program and the reason: “take.flac” could not be opened: No such
+/// file or directory. It passes every layer unchanged; nobody wraps it in another error.
+class PlatformError : public UserError {
  public:
-  using std::runtime_error::runtime_error;
+  explicit PlatformError(std::string sentence) : UserError(std::move(sentence)) {}
 };
 
 /// The error for a system call that failed on a file or program: “NAME” FAILURE: REASON. `failure` is the

@@ -102,8 +102,8 @@ TEST(ResultsImage, RefusesNoAnswersAndTooMany) {
       renderResultsPNG(std::vector<TrackResult>(tracks, {"Song", "A", "B"}), "MP3", 8, true);
     });
   };
-  EXPECT_EQ(refusal(0), "Complete a comparison first.");
-  EXPECT_EQ(refusal(239), "This comparison is too large to save as one image.");
+  EXPECT_EQ(refusal(0), "Zarnet.Results 1: Complete a comparison first.");
+  EXPECT_EQ(refusal(239), "Zarnet.Results 1: This comparison is too large to save as one image.");
   EXPECT_EQ(refusal(238), "");
 }
 
