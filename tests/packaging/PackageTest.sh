@@ -7,9 +7,12 @@ source "$(dirname "$0")/Support.sh"
 package="$(echo "$scratch"/package/*.deb)"
 lintian --no-cfg --allow-root --fail-on error,warning --info "$package"
 
-# The libraries are found by their use; what is started or only read must be there too.
+# What is started or only read must be there, and whatever holds the libraries that the programs are linked to.
 dpkg-deb -f "$package" Depends | tr ',' '\n' | awk '{ print $1 }' | sort >"$scratch/depends"
-for needed in lame fonts-inter libqt6widgets6 libavformat59; do grep -qx "$needed" "$scratch/depends"; done
+owner() { dpkg-query -S "*/$1.so.*" | sed -n '1s/:.*//p'; }
+for needed in lame fonts-inter "$(owner libQt6Widgets)" "$(owner libavformat)" "$(owner libpulse)" "$(owner libvorbisenc)"; do
+  grep -qx "$needed" "$scratch/depends"
+done
 
 dpkg-deb -x "$package" "$scratch/root"
 checkLayout "$scratch/root"

@@ -27,10 +27,10 @@ ffmpeg -v error -f lavfi -i "sine=440:duration=2" -ac 2 "$track"
 checkLayout() {
   local icons="usr/share/icons/hicolor" id="org.zarnet.Zarnet" size
   {
-    printf '755 %s\n' usr/bin/zarnet{,-prepare} usr/lib/zarnet/{afconvert,lame,vorbis-tool}
-    printf '644 %s\n' usr/lib/zarnet/Zarnet.png "usr/share/applications/$id.desktop" \
+    printf '755 %s\n' usr/bin/zarnet{,-prepare} usr/libexec/zarnet/{afconvert,lame,vorbis-tool}
+    printf '644 %s\n' usr/libexec/zarnet/Zarnet.png "usr/share/applications/$id.desktop" \
       "usr/share/metainfo/$id.metainfo.xml" usr/share/man/man1/zarnet{,-prepare}.1.gz \
-      usr/share/doc/zarnet/{copyright,changelog.gz} "$icons/scalable/apps/$id.svg"
+      usr/share/doc/zarnet/{copyright,changelog.gz,changelog.Debian.gz} "$icons/scalable/apps/$id.svg"
     for size in 16 22 24 32 48 64 128 256 512; do echo "644 $icons/${size}x$size/apps/$id.png"; done
   } | sort >"$scratch/expected"
   (cd "$1" && find . -not -type d -printf '%m %P\n' | sort) | diff -u "$scratch/expected" -

@@ -1,12 +1,11 @@
 #include "tools/afconvert/AacEncoder.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <cstddef>
 #include <new>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zarnet {
@@ -21,29 +20,18 @@ constexpr std::int64_t blockFrames = 1024;
 /// of music would not even out.
 constexpr double secondsToRepay = 4;
 
-const AVCodec& bestCodec() {
-  for (const char* name : {"libfdk_aac", "aac"}) {
-    if (const AVCodec* codec = avcodec_find_encoder_by_name(name)) return *codec;
-  }
-  throw std::runtime_error("No AAC encoder is installed.");
-}
+// The sample rates that AAC knows, Hz (ISO/IEC 14496-3, table 1.18).
+constexpr std::array sampleRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
+                                    22050, 16000, 12000, 11025, 8000,  7350};
 
 void check(int result) {
   if (result < 0) throw std::runtime_error("The AAC encoder failed: " + libav::errorText(result) + ".");
 }
 
-template <typename Value>
-bool contains(const Value* list, Value end, Value wanted) {
-  while (list && *list != end) {
-    if (*list++ == wanted) return true;
-  }
-  return false;
-}
-
-/// Raises unless the codec has the rate and AAC can hold that many bits.
-void requirePossible(const AVCodec& codec, double sampleRate, std::uint32_t channels, int bitsPerSecond) {
+/// Raises unless AAC has the rate and can hold that many bits.
+void requirePossible(double sampleRate, std::uint32_t channels, int bitsPerSecond) {
   const int rate = static_cast<int>(sampleRate);
-  if (rate != sampleRate || !contains(codec.supported_samplerates, 0, rate))
+  if (rate != sampleRate || std::ranges::count(sampleRates, rate) == 0)
     throw std::runtime_error("AAC knows no sample rate of " + std::to_string(rate) + " Hz.");
   const std::int64_t most = channels * blockBits * rate / blockFrames;
   if (bitsPerSecond > most) {
@@ -54,52 +42,32 @@ void requirePossible(const AVCodec& codec, double sampleRate, std::uint32_t chan
 
 libav::CodecContext openEncoder(double sampleRate, std::uint32_t channels, int bitsPerSecond) {
   libav::initialize();
-  const AVCodec& codec = bestCodec();
-  requirePossible(codec, sampleRate, channels, bitsPerSecond);
-  libav::CodecContext encoder(avcodec_alloc_context3(&codec));
+  requirePossible(sampleRate, channels, bitsPerSecond);
+  const AVCodec* codec = avcodec_find_encoder_by_name("aac");
+  if (!codec) throw std::runtime_error("No AAC encoder is installed.");
+  libav::CodecContext encoder(avcodec_alloc_context3(codec));
   if (!encoder) throw std::bad_alloc();
   encoder->sample_rate = static_cast<int>(sampleRate);
   encoder->time_base = {1, encoder->sample_rate};
   encoder->bit_rate = bitsPerSecond;
-  const bool takesFloats = contains(codec.sample_fmts, AV_SAMPLE_FMT_NONE, AV_SAMPLE_FMT_FLTP);
-  encoder->sample_fmt = takesFloats ? AV_SAMPLE_FMT_FLTP : AV_SAMPLE_FMT_S16;
+  encoder->sample_fmt = AV_SAMPLE_FMT_FLTP;
   encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
   av_channel_layout_default(&encoder->ch_layout, static_cast<int>(channels));
 
   AVDictionary* settings = nullptr;
-  if (std::string_view(codec.name) == "aac") {
-    // The slowest search of libavcodec's own encoder, and no parametric coding of noise and stereo: over
-    // five pieces of music, the noise lay 7 dB further below the masking threshold than with the fast search
-    // at 256 kbps, and 1 to 4 dB further than with parametric coding at 64 and 128 kbps.
-    av_dict_set(&settings, "aac_coder", "twoloop", 0);
-    av_dict_set(&settings, "aac_pns", "0", 0);
-    av_dict_set(&settings, "aac_is", "0", 0);
-  }
-  const int opened = avcodec_open2(encoder.get(), &codec, &settings);
+  // The slowest search of the encoder, and no parametric coding of noise and stereo: over five pieces of
+  // music, the noise lay 7 dB further below the masking threshold than with the fast search at 256 kbps, and
+  // 1 to 4 dB further than with parametric coding at 64 and 128 kbps.
+  av_dict_set(&settings, "aac_coder", "twoloop", 0);
+  av_dict_set(&settings, "aac_pns", "0", 0);
+  av_dict_set(&settings, "aac_is", "0", 0);
+  const int opened = avcodec_open2(encoder.get(), codec, &settings);
   av_dict_free(&settings);
   check(opened);
   return encoder;
 }
 
-std::int16_t rounded(float sample) {
-  return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 0x1p15f, -0x1p15f, 0x1p15f - 1)));
-}
-
 }  // namespace
-
-void storeFrames(const FrameBlock& block, std::int64_t first, std::int64_t count, AVFrame& frame, int at) {
-  const std::ptrdiff_t channels = frame.ch_layout.nb_channels;
-  for (std::ptrdiff_t channel = 0; channel < channels; ++channel) {
-    const float* source = block.planes[static_cast<std::size_t>(channel)] + first;
-    if (frame.format == AV_SAMPLE_FMT_FLTP) {
-      std::copy_n(source, count, reinterpret_cast<float*>(frame.extended_data[channel]) + at);
-    } else {
-      auto* target = reinterpret_cast<std::int16_t*>(frame.extended_data[0]) + at * channels + channel;
-      for (std::int64_t i = 0; i < count; ++i)
-        target[i * channels] = rounded(source[i]);
-    }
-  }
-}
 
 AacEncoder::AacEncoder(double sampleRate, std::uint32_t channels, int bitsPerSecond, Sink packets)
     : nominal(bitsPerSecond),
@@ -111,7 +79,11 @@ AacEncoder::AacEncoder(double sampleRate, std::uint32_t channels, int bitsPerSec
 void AacEncoder::write(const FrameBlock& block) {
   for (std::int64_t done = 0; done < block.count;) {
     const std::int64_t count = std::min<std::int64_t>(encoder->frame_size - filled, block.count - done);
-    storeFrames(block, done, count, *chunk, filled);
+    for (std::size_t channel = 0; channel < static_cast<std::size_t>(encoder->ch_layout.nb_channels);
+         ++channel) {
+      auto* plane = reinterpret_cast<float*>(chunk->extended_data[channel]);
+      std::copy_n(block.planes[channel] + done, count, plane + filled);
+    }
     done += count;
     filled += static_cast<int>(count);
     if (filled == encoder->frame_size) sendChunk();

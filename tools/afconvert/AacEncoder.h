@@ -8,13 +8,8 @@
 
 namespace zarnet {
 
-/// Stores frames of `block`, from frame `first` on, into `frame` from its frame `at` on: as they are into
-/// planes of floats, rounded and limited to full scale into interleaved 16-bit integers. Requires: `frame` is
-/// of one of these two formats, has the channels of the block and room for them.
-void storeFrames(const FrameBlock& block, std::int64_t first, std::int64_t count, AVFrame& frame, int at);
-
-/// Encodes a stream as AAC (low complexity) at a constant bitrate, with the best encoder that libavcodec has
-/// at hand. Not thread-safe.
+/// Encodes a stream as AAC (low complexity) at a constant bitrate, with libavcodec's own encoder. Not
+/// thread-safe.
 class AacEncoder {
  public:
   /// Takes each packet as it comes, and may empty it. Times count frames at the sample rate: the first packet
