@@ -44,13 +44,15 @@ function(zarnet_library name)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
-# zarnet_test(NAME SOURCES … LIBRARIES lib…): one GoogleTest binary; each of its cases is a test of CTest.
+# zarnet_test(NAME SOURCES … LIBRARIES lib…): one GoogleTest binary; each of its cases is a test of CTest, labelled with the
+# room that the folder belongs to.
 function(zarnet_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   zarnet_headers(${name} PRIVATE)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} zarnet_support GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600 LABELS ${room})
 endfunction()
 
 # zarnet_benchmark(NAME SOURCES … LIBRARIES lib…): one Google Benchmark program, run by script/bench.
