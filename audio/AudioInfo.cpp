@@ -2,7 +2,7 @@
 
 #include "audio/AppError.h"
 #include "media/AudioFileReader.h"
-#include "system/Text.h"
+#include "system/DisplayText.h"
 
 #include <cmath>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "desktop/AtomicFile.h"
 
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <QFile>
 #include <QSaveFile>

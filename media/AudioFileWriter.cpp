@@ -1,10 +1,10 @@
 #include "media/AudioFileWriter.h"
 
 #include "media/ByteOrder.h"
+#include "system/DisplayText.h"
 #include "system/FileHandle.h"
 #include "system/Interleaving.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,8 +3,8 @@
 #include "media/LibAv.h"
 #include "media/LinearPCM.h"
 #include "media/SampleConversion.h"
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "media/LibAv.h"
 
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <algorithm>
 #include <cerrno>

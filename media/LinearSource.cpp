@@ -1,8 +1,8 @@
 #include "media/LinearSource.h"
 
 #include "media/SampleConversion.h"
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,8 +1,8 @@
 #include "media/M4aFile.h"
 
 #include "media/LibAv.h"
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <new>
 #include <string>

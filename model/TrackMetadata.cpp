@@ -2,7 +2,7 @@
 
 #include "desktop/Thumbnail.h"
 #include "media/MediaTagReader.h"
-#include "system/Text.h"
+#include "system/DisplayText.h"
 
 #include <vector>
 

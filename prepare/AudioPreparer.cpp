@@ -2,9 +2,9 @@
 
 #include "audio/AppError.h"
 #include "system/ChildProcess.h"
+#include "system/DisplayText.h"
 #include "system/FileHandle.h"
 #include "system/FileSystem.h"
-#include "system/Text.h"
 #include "system/TextTail.h"
 #include "system/UUID.h"
 

@@ -5,9 +5,9 @@
 #include "prepare/CheckRecord.h"
 #include "prepare/Codecs.h"
 #include "prepare/Gains.h"
+#include "system/DisplayText.h"
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <exception>
 

@@ -1,7 +1,7 @@
 #include "system/FileHandle.h"
 
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <cerrno>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "system/PlatformError.h"
 
-#include "system/Text.h"
+#include "system/DisplayText.h"
 
 #include <string>
 

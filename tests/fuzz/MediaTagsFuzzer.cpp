@@ -3,7 +3,7 @@
 
 #include "desktop/Thumbnail.h"
 #include "media/MediaTagReader.h"
-#include "system/Text.h"
+#include "system/DisplayText.h"
 #include "tests/fuzz/Fuzzing.h"
 
 using zarnet::fuzz::expect;

@@ -1,9 +1,9 @@
 // Files and text that everything above uses.
 
+#include "system/DisplayText.h"
 #include "system/FileHandle.h"
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 #include "tests/support/Failures.h"
 #include "tests/support/ScratchFolder.h"
 

@@ -3,9 +3,9 @@
 #include "media/AudioFileReader.h"
 #include "media/AudioFileWriter.h"
 #include "media/M4aFile.h"
+#include "system/DisplayText.h"
 #include "system/FileHandle.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 #include "tools/afconvert/AacEncoder.h"
 #include "tools/afconvert/ReadAhead.h"
 #include "tools/afconvert/Resampler.h"
@@ -52,7 +52,7 @@ void produce(const std::filesystem::path& output, Complete complete) {
   }
 }
 
-void writeLinear(const Options& options, ReadAhead& blocks, AudioFileContainer container) {
+void writeLinear(const ConverterOptions& options, ReadAhead& blocks, AudioFileContainer container) {
   produce(options.output, [&] {
     AudioFileWriter writer(options.output, container, workingRate);
     for (FrameBlock block = blocks.next(); block.count > 0; block = blocks.next())
@@ -61,8 +61,8 @@ void writeLinear(const Options& options, ReadAhead& blocks, AudioFileContainer c
   });
 }
 
-void convertToLinear(const Options& options, const AudioFileReader& reader, ReadAhead& decoded) {
-  const bool best = options.target == Options::Target::wave;
+void convertToLinear(const ConverterOptions& options, const AudioFileReader& reader, ReadAhead& decoded) {
+  const bool best = options.target == ConverterOptions::Target::wave;
   const AudioFileContainer container = best ? AudioFileContainer::wave : AudioFileContainer::caf;
   if (reader.processingRate() == workingRate) {
     writeLinear(options, decoded, container);
@@ -76,7 +76,7 @@ void convertToLinear(const Options& options, const AudioFileReader& reader, Read
   writeLinear(options, resampled, container);
 }
 
-void convertToAac(const Options& options, const AudioFileReader& reader, ReadAhead& decoded) {
+void convertToAac(const ConverterOptions& options, const AudioFileReader& reader, ReadAhead& decoded) {
   FrameBlock block = decoded.next();
   if (block.count == 0)
     throw PlatformError(quotedName(options.input) + " could not be converted: It holds no sound.");
@@ -94,13 +94,13 @@ void convertToAac(const Options& options, const AudioFileReader& reader, ReadAhe
 
 }  // namespace
 
-void convert(const Options& options) {
+void convert(const ConverterOptions& options) {
   AudioFileReader reader(options.input);
   requireUsualForm(reader, options.input);
   requireTwoFiles(options.input, options.output);
   ReadAhead decoded(reader.processingChannels(),
                     [&](float* const* planes, std::int64_t frames) { return reader.read(planes, frames); });
-  if (options.target == Options::Target::aac) {
+  if (options.target == ConverterOptions::Target::aac) {
     convertToAac(options, reader, decoded);
   } else {
     convertToLinear(options, reader, decoded);

@@ -1,7 +1,7 @@
 // afconvert: decodes audio files, converts them to 48 kHz stereo, encodes AAC.
 
 #include "tools/afconvert/Convert.h"
-#include "tools/afconvert/Options.h"
+#include "tools/afconvert/ConverterOptions.h"
 #include "tools/support/Tool.h"
 
 int main(int count, char** values) {

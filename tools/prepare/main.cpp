@@ -3,11 +3,11 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
 #include "prepare/Resources.h"
+#include "system/DisplayText.h"
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 #include "system/UUID.h"
-#include "tools/prepare/Options.h"
+#include "tools/prepare/DriverOptions.h"
 #include "tools/prepare/Results.h"
 #include "tools/prepare/StopSignals.h"
 #include "tools/support/Tool.h"
@@ -62,8 +62,8 @@ class Progress {
 };
 
 /// Prepares one file and returns its check record. `keep` is the folder for the results, if they are wanted.
-std::string preparedRecord(AudioPreparer& preparer, const Options& options, const std::filesystem::path& file,
-                           const std::filesystem::path* keep) {
+std::string preparedRecord(AudioPreparer& preparer, const DriverOptions& options,
+                           const std::filesystem::path& file, const std::filesystem::path* keep) {
   preparer.clearTemporaryFiles();  // of the file before
   const Results results(
       preparer.prepare(file, newUUID(), options.codec, options.bitrate, options.match, Progress())
@@ -80,7 +80,7 @@ std::string preparedRecord(AudioPreparer& preparer, const Options& options, cons
 }
 
 /// Prepares every file; returns the exit status.
-int prepareAll(const Options& options, const sigset_t& signals) {
+int prepareAll(const DriverOptions& options, const sigset_t& signals) {
   if (options.output) createFolders(*options.output);
   const std::vector<std::filesystem::path> folders =
       options.output ? resultFolders(*options.output, options.files) : std::vector<std::filesystem::path>();
@@ -115,19 +115,19 @@ int run(int count, char** values) {
   signal(SIGPIPE, SIG_IGN);  // both fail the write instead, and that is reported
   signal(SIGXFSZ, SIG_IGN);
   const sigset_t signals = blockStopSignals();
-  const std::optional<Options> options = parsedOptions(count, values);
+  const std::optional<DriverOptions> options = parsedOptions(count, values);
   if (!options) {
     std::fputs(usageText().c_str(), stderr);
     return exitUsage;
   }
   switch (options->task) {
-    case Options::Task::help:
+    case DriverOptions::Task::help:
       print(helpText());
       return EXIT_SUCCESS;
-    case Options::Task::version:
+    case DriverOptions::Task::version:
       print("zarnet-prepare " ZARNET_VERSION "\n");
       return EXIT_SUCCESS;
-    case Options::Task::prepare:
+    case DriverOptions::Task::prepare:
       break;
   }
   return prepareAll(*options, signals);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "system/DisplayText.h"
 #include "system/PlatformError.h"
-#include "system/Text.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,8 +1,8 @@
 #include "tools/vorbis/Decode.h"
 
+#include "system/DisplayText.h"
 #include "system/FileHandle.h"
 #include "system/Interleaving.h"
-#include "system/Text.h"
 #include "tools/vorbis/Format.h"
 #include "tools/vorbis/OutputFile.h"
 #include "tools/vorbis/Owned.h"

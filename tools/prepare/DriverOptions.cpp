@@ -1,4 +1,4 @@
-#include "tools/prepare/Options.h"
+#include "tools/prepare/DriverOptions.h"
 
 #include "prepare/Codecs.h"
 
@@ -33,14 +33,14 @@ void complain(const char* problem) {
 
 }  // namespace
 
-std::optional<Options> parsedOptions(int count, char** values) {
+std::optional<DriverOptions> parsedOptions(int count, char** values) {
   const option known[] = {
       {"codec", required_argument, nullptr, 'c'},     {"bitrate", required_argument, nullptr, 'b'},
       {"no-match", no_argument, nullptr, 'n'},        {"output", required_argument, nullptr, 'o'},
       {"resources", required_argument, nullptr, 'r'}, {"help", no_argument, nullptr, 'h'},
       {"version", no_argument, nullptr, 'v'},         {},
   };
-  Options options;
+  DriverOptions options;
   for (int found = 0; (found = getopt_long(count, values, "", known, nullptr)) != -1;) {
     switch (found) {
       case 'c':
@@ -65,10 +65,10 @@ std::optional<Options> parsedOptions(int count, char** values) {
         options.resources = optarg;
         break;
       case 'h':
-        options.task = Options::Task::help;
+        options.task = DriverOptions::Task::help;
         return options;
       case 'v':
-        options.task = Options::Task::version;
+        options.task = DriverOptions::Task::version;
         return options;
       default:  // told by getopt_long
         return std::nullopt;

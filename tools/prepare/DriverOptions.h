@@ -9,7 +9,7 @@
 namespace zarnet {
 
 /// What the command line asks for.
-struct Options {
+struct DriverOptions {
   enum class Task { prepare, help, version };
 
   Task task = Task::prepare;
@@ -23,7 +23,7 @@ struct Options {
 
 /// Reads the command line. Nothing when it is wrong; what is wrong with it was then written to standard
 /// error. `help` and `version` come back as soon as they are met. Not thread-safe, and once per process.
-std::optional<Options> parsedOptions(int count, char** values);
+std::optional<DriverOptions> parsedOptions(int count, char** values);
 
 /// How the program is called, in one line with its line feed.
 std::string usageText();

@@ -1,4 +1,4 @@
-#include "tools/afconvert/Options.h"
+#include "tools/afconvert/ConverterOptions.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,15 +24,15 @@ constexpr unsigned highestBitrate = 6144 * 2 * 48000 / 1024;
 constexpr unsigned lowestBitrate = 8000;
 
 struct Form {
-  Options::Target target;
+  ConverterOptions::Target target;
   std::vector<std::string_view> words;  ///< behind the two file names
 };
 
 const std::vector<Form>& forms() {
   static const std::vector<Form> all = {
-      {Options::Target::wave, {"-f", "WAVE", "-d", "LEF32@48000", "-c", "2", "-r", "127"}},
-      {Options::Target::aac, {"-f", "m4af", "-d", "aac", "-b", bitrate, "-q", "127", "-s", "0"}},
-      {Options::Target::caf, {"-f", "caff", "-d", "LEF32@48000", "-c", "2"}},
+      {ConverterOptions::Target::wave, {"-f", "WAVE", "-d", "LEF32@48000", "-c", "2", "-r", "127"}},
+      {ConverterOptions::Target::aac, {"-f", "m4af", "-d", "aac", "-b", bitrate, "-q", "127", "-s", "0"}},
+      {ConverterOptions::Target::caf, {"-f", "caff", "-d", "LEF32@48000", "-c", "2"}},
   };
   return all;
 }
@@ -47,9 +47,9 @@ std::optional<int> parsedBitrate(std::string_view text) {
 
 }  // namespace
 
-Options parseOptions(const std::vector<std::string_view>& arguments) {
+ConverterOptions parseOptions(const std::vector<std::string_view>& arguments) {
   if (arguments.size() < 2) throw std::invalid_argument(usage);
-  Options options{arguments[0], arguments[1]};
+  ConverterOptions options{arguments[0], arguments[1]};
   const auto accepted = [&](std::string_view given, std::string_view expected) {
     if (expected != bitrate) return given == expected;
     const std::optional<int> value = parsedBitrate(given);

@@ -7,7 +7,7 @@
 namespace zarnet {
 
 /// What a command line asks for.
-struct Options {
+struct ConverterOptions {
   enum class Target {
     wave,  ///< 48 kHz stereo float in a WAVE file, best resampling
     caf,   ///< 48 kHz stereo float in a CAF file, standard resampling
@@ -28,6 +28,6 @@ struct Options {
 ///     IN OUT -f caff -d LEF32@48000 -c 2
 ///
 /// Raises std::invalid_argument with a usage line for everything else.
-Options parseOptions(const std::vector<std::string_view>& arguments);
+ConverterOptions parseOptions(const std::vector<std::string_view>& arguments);
 
 }  // namespace zarnet

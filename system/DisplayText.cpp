@@ -1,4 +1,4 @@
-#include "system/Text.h"
+#include "system/DisplayText.h"
 
 #include "system/Characters.h"
 
