@@ -21,6 +21,7 @@ Spinner::Spinner(int size, QWidget* parent) : QWidget(parent), points(size) {
 }
 
 void Spinner::showEvent(QShowEvent*) {
+  step = 0;
   timer.start(motionAllowed() ? 80 : 1000);
 }
 void Spinner::hideEvent(QHideEvent*) {
