@@ -21,8 +21,6 @@ namespace {
 constexpr double skip = 5;          // seconds
 constexpr double leastRange = 0.1;  // seconds, of the position slider
 constexpr double volumeStep = 0.05;
-constexpr double shortestPart = 0.05;  // seconds, between a loop's start and the end of the track
-constexpr double loopPush = 1;         // seconds, that one end of the loop keeps from the other
 
 Button* skipButton(const QString& symbol, const QString& label) {
   auto* button = new Button(Button::Kind::borderless);
@@ -165,10 +163,7 @@ QWidget* NativeRoot::transport() {
   auto* volume = new Slider(volumeStep);
   volume->setFixedWidth(90);
   volume->setAccessibleName(QStringLiteral("Volume"));
-  connect(volume, &Slider::moved, this, [this](double loudness) {
-    model.volume = loudness;
-    model.player.setVolume(model.volume);
-  });
+  connect(volume, &Slider::moved, this, [this](double loudness) { model.volume = loudness; });
   auto* loudness = new QHBoxLayout;
   loudness->setSpacing(10);
   loudness->addWidget(new SymbolView(QStringLiteral("speaker.wave.2"), {18, 18}, SymbolView::Ink::secondary));
@@ -211,15 +206,12 @@ QWidget* NativeRoot::loopControls() {
   column->setContentsMargins(20, 20, 20, 20);
   column->setSpacing(14);
   auto* toggle = new CheckBox(QStringLiteral("Loop a section"));
-  connect(toggle, &QAbstractButton::clicked, this, [this](bool on) {
-    model.loop = on;
-    model.updateLoop();
-  });
+  connect(toggle, &QAbstractButton::clicked, this, [this](bool on) { model.setLoop(on); });
   auto* range = new ClockText(TextStyle::title);
   auto* start = new Button(Button::Kind::standard, QStringLiteral("Set start"));
   auto* end = new Button(Button::Kind::standard, QStringLiteral("Set end"));
-  connect(start, &QAbstractButton::clicked, this, &NativeRoot::setLoopStart);
-  connect(end, &QAbstractButton::clicked, this, &NativeRoot::setLoopEnd);
+  connect(start, &QAbstractButton::clicked, this, [this] { model.setLoopStart(); });
+  connect(end, &QAbstractButton::clicked, this, [this] { model.setLoopEnd(); });
   auto* row = new QHBoxLayout;
   row->setSpacing(12);
   row->addWidget(start);
@@ -236,18 +228,6 @@ QWidget* NativeRoot::loopControls() {
   building = nullptr;
   follower();
   return panel;
-}
-
-void NativeRoot::setLoopStart() {
-  model.loopStart = std::min(*model.position, std::max(*model.duration - shortestPart, 0.0));
-  model.loopEnd = std::max(*model.loopEnd, std::min(*model.loopStart + loopPush, *model.duration));
-  model.updateLoop();
-}
-
-void NativeRoot::setLoopEnd() {
-  model.loopEnd = std::max(*model.position, shortestPart);
-  model.loopStart = std::min(*model.loopStart, std::max(*model.loopEnd - loopPush, 0.0));
-  model.updateLoop();
 }
 
 QWidget* NativeRoot::version(const QString& side) {

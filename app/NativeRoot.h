@@ -88,8 +88,6 @@ class NativeRoot : public QWidget {
   void focusFirst();
   void showSheets();
   void reportHeight();
-  void setLoopStart();
-  void setLoopEnd();
   void addShortcut(const QKeySequence& key, std::function<void()> action);
   void setTargeted(bool targeted);
   bool takesDrops() const;

@@ -88,8 +88,9 @@ class NativeModel {
   Published<double> position{willChange, 0.0};                   ///< seconds
   Published<double> duration{willChange, 1.0};                   ///< seconds, of the loaded comparison
   Published<bool> playing{willChange, false};
-  Published<double> volume{willChange, 0.7};     ///< linear, 0 to 1; screens assign it and tell the player
-  Published<bool> loop{willChange, false};       ///< these three: screens assign them, then `updateLoop`
+  Published<double> volume{willChange, 0.7,  ///< linear, 0 to 1; screens assign it, the player follows
+                           [this] { player.setVolume(volume); }};
+  Published<bool> loop{willChange, false};       ///< these three: set by the operations of the loop below
   Published<double> loopStart{willChange, 0.0};  ///< seconds
   Published<double> loopEnd{willChange, 0.0};    ///< seconds
   Published<QString> originalDescription{willChange, {}};  ///< `AudioInfo::summary` of the loaded original
@@ -148,7 +149,16 @@ class NativeModel {
   void playPause();
   /// Seconds.
   void seek(double time);
-  /// Hands `loop`, `loopStart` and `loopEnd` to the player.
+  /// Switches the loop on or off.
+  void setLoop(bool on);
+  /// Begins the loop at the position, at least 0.05 s before the end of the track. An end that is less than a
+  /// second away moves on, as far as the track goes.
+  void setLoopStart();
+  /// Ends the loop at the position, at least 0.05 s after the start of the track. A start that is less than a
+  /// second away moves back, as far as the track goes.
+  void setLoopEnd();
+  /// Hands `loop`, `loopStart` and `loopEnd` to the player, once all three are as they should be: the
+  /// position moves into a loop that it lies outside of.
   void updateLoop();
   /// Deletes the encoded file of the loaded comparison.
   void discardCurrentConversion();

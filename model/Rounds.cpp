@@ -6,9 +6,15 @@
 #include "system/UUID.h"
 #include "system/UserError.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zarnet {
+
+namespace {
+constexpr double shortestPart = 0.05;  // seconds, between an end of the loop and the far end of the track
+constexpr double loopPush = 1;         // seconds, that one end of the loop keeps from the other
+}  // namespace
 
 void NativeModel::start() {
   if (busy || importing || playlist->empty() || window == nullptr) return;
@@ -139,6 +145,23 @@ void NativeModel::playPause() {
 void NativeModel::seek(double time) {
   position = time;
   player.seek(time);
+}
+
+void NativeModel::setLoop(bool on) {
+  loop = on;
+  updateLoop();
+}
+
+void NativeModel::setLoopStart() {
+  loopStart = std::min(*position, std::max(*duration - shortestPart, 0.0));
+  loopEnd = std::max(*loopEnd, std::min(*loopStart + loopPush, *duration));
+  updateLoop();
+}
+
+void NativeModel::setLoopEnd() {
+  loopEnd = std::max(*position, shortestPart);
+  loopStart = std::min(*loopStart, std::max(*loopEnd - loopPush, 0.0));
+  updateLoop();
 }
 
 void NativeModel::updateLoop() {

@@ -207,6 +207,52 @@ TEST_F(Models, RevealASingleTrackAndGiveItsFilesToTheUser) {
       << "the results as they were when the user asked";
 }
 
+TEST_F(Models, HandVolumeAndLoopToThePlayerAtOnce) {
+  begin({"X"});
+  ASSERT_TRUE(prepared());
+  model->volume = 0.0;
+  model->playPause();
+  EXPECT_EQ(engine->render(480).left.back(), 0);
+  model->volume = 1.0;
+  EXPECT_NE(engine->render(480).left.back(), 0);
+
+  const auto bounds = [&] { return std::pair(*model->loopStart, *model->loopEnd); };
+  const struct {
+    double duration, position, start, end;
+    std::pair<double, double> afterStart, afterEnd;
+  } cases[] = {
+      {60, 60, 10, 30, {59.95, 60}, {10, 60}},      {60, 0, 10, 30, {0, 30}, {0, 0.05}},
+      {60, 29.5, 10, 30, {29.5, 30.5}, {10, 29.5}}, {60, 10.5, 10, 30, {10.5, 30}, {9.5, 10.5}},
+      {0.02, 0.01, 0, 0.02, {0, 0.02}, {0, 0.05}},
+  };
+  for (const auto& [duration, position, start, end, afterStart, afterEnd] : cases) {
+    const auto place = [&] {
+      model->duration = duration;
+      model->position = position;
+      model->loopStart = start;
+      model->loopEnd = end;
+    };
+    place();
+    model->setLoopStart();
+    EXPECT_EQ(bounds(), afterStart) << position << " of " << duration;
+    place();
+    model->setLoopEnd();
+    EXPECT_EQ(bounds(), afterEnd) << position << " of " << duration;
+  }
+
+  model->duration = 0.5;
+  model->loopStart = 0.25;
+  model->loopEnd = 0.5;
+  model->player.seek(0.1);
+  model->setLoop(true);
+  EXPECT_EQ(std::get<double>(model->player.status().at("position")), 0.25) << "into the loop";
+  model->setLoop(false);
+  model->seek(0.1);
+  EXPECT_EQ(std::get<double>(model->player.status().at("position")), 0.1) << "out of it";
+  model->setLoopEnd();
+  EXPECT_EQ(std::get<double>(model->player.status().at("loopEnd")), 0.1);
+}
+
 TEST(LosslessSide, IsDrawnEvenlyAndIndependently) {
   constexpr int draws = 10'000;
   int lefts = 0;
