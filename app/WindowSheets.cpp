@@ -1,8 +1,8 @@
 #include "app/WindowSheets.h"
 
+#include "app/SaveDialog.h"
 #include "app/Sheet.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QStandardPaths>
@@ -49,20 +49,10 @@ void WindowSheets::show(const OpenPanel& panel,
 
 void WindowSheets::show(const SavePanel& panel,
                         std::function<void(std::optional<std::filesystem::path>)> done) {
-  auto* dialog = new QFileDialog(window, panel.title);
+  auto* dialog = new SaveDialog(window, panel);
   dialog->setAttribute(Qt::WA_DeleteOnClose);
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setFileMode(QFileDialog::AnyFile);
-  if (!panel.extension.isEmpty()) {
-    dialog->setNameFilter(filterOf(panel.extension.toUpper(), {panel.extension}));
-    dialog->setDefaultSuffix(panel.extension);
-  }
-  dialog->setDirectory(QDir::homePath());
-  dialog->selectFile(panel.name);
   QObject::connect(dialog, &QDialog::finished, dialog, [dialog, done = std::move(done)](int result) {
-    const QStringList names = dialog->selectedFiles();
-    if (result != QDialog::Accepted || names.isEmpty()) return done(std::nullopt);
-    done(pathOf(names.front()));
+    done(result == QDialog::Accepted ? std::optional(dialog->chosen()) : std::nullopt);
   });
   dialog->open();
 }
