@@ -11,6 +11,7 @@
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 #include "app/controls/Toggles.h"
+#include "model/Wording.h"
 
 #include <algorithm>
 
@@ -70,10 +71,10 @@ QWidget* NativeRoot::header() {
   row->addLayout(label);
   follow([this, count, symbol, state] {
     count->setVisible(model.tournament());
-    count->setText(QStringLiteral("Track %1 of %2").arg(*model.index + 1).arg(model.roundSongs.size()));
+    count->setText(trackPlaceText(model.index, model.roundSongs.size()));
     const bool revealed = *model.stage == Stage::reveal;
     symbol->setSymbol(revealed ? QStringLiteral("eye") : QStringLiteral("eye.slash"));
-    state->setText(revealed ? QStringLiteral("Revealed") : QStringLiteral("Blind comparison"));
+    state->setText(blindnessText(revealed));
   });
   return panel;
 }
@@ -136,8 +137,7 @@ QWidget* NativeRoot::playback() {
   column->addWidget(transport());
 
   follow([this, level, duration] {
-    level->setText(model.roundMatch ? QStringLiteral("Loudness matched")
-                                    : QStringLiteral("Original relative levels"));
+    level->setText(levelText(model.roundMatch));
     duration->setText(clockText(model.duration));
   });
   followPosition([this, slider, position] {
@@ -222,7 +222,7 @@ QWidget* NativeRoot::loopControls() {
   column->addLayout(row);
   const auto follower = [this, toggle, range] {
     toggle->setChecked(model.loop);
-    range->setText(clockText(model.loopStart) + QStringLiteral(" – ") + clockText(model.loopEnd));
+    range->setText(rangeText(model.loopStart, model.loopEnd));
   };
   follow(follower);
   building = nullptr;
@@ -238,11 +238,10 @@ QWidget* NativeRoot::version(const QString& side) {
     card->setGlass(model.glass);
     if (*model.stage != Stage::reveal) {
       card->setIdentity({}, {});
-    } else if (*model.lossless == side) {
-      card->setIdentity(QStringLiteral("Lossless original"), model.originalDescription);
     } else {
-      card->setIdentity(QStringLiteral("Compressed from the original"),
-                        QStringLiteral("%1 · %2 kbps").arg(model.roundCodec).arg(model.roundRate));
+      const SideIdentity identity =
+          sideIdentity(side, model.lossless, model.originalDescription, model.roundCodec, model.roundRate);
+      card->setIdentity(identity.name, identity.format);
     }
   });
   return card;
@@ -264,10 +263,7 @@ QWidget* NativeRoot::question() {
   column->addWidget(confirm);
   follow([this, panel, confirm] {
     panel->setVisible(*model.stage == Stage::listen);
-    const bool last = *model.index + 1 == static_cast<std::int64_t>(model.roundSongs.size());
-    confirm->setText(!model.tournament() ? QStringLiteral("Confirm && reveal")
-                     : last              ? QStringLiteral("Confirm && show tally")
-                                         : QStringLiteral("Confirm && next track"));
+    confirm->setText(confirmLabel(model.index, model.roundSongs.size()).replace(u'&', QStringLiteral("&&")));
     confirm->setEnabled(model.vote->has_value());
   });
   return panel;
@@ -299,12 +295,7 @@ QWidget* NativeRoot::verdict() {
   follow([this, panel, sentence] {
     panel->setVisible(*model.stage == Stage::reveal);
     if (model.answers->empty()) return;
-    const Vote& answer = model.answers->front();
-    sentence->setText(answer.choice == QStringLiteral("same")
-                          ? QStringLiteral("You couldn’t tell a difference.")
-                          : QStringLiteral("You preferred the %1 version!")
-                                .arg(answer.choice == answer.lossless ? QStringLiteral("lossless")
-                                                                      : QStringLiteral("lossy")));
+    sentence->setText(verdictText(model.answers->front()));
   });
   return panel;
 }

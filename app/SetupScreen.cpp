@@ -9,6 +9,7 @@
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
 #include "app/controls/Toggles.h"
+#include "model/Wording.h"
 
 namespace zarnet {
 
@@ -72,8 +73,7 @@ QWidget* NativeRoot::songPanel() {
     panel->setGlass(model.glass);
     empty->setVisible(list.empty());
     filled->setVisible(!list.empty());
-    count->setText(list.size() == 1 ? QStringLiteral("1 track")
-                                    : QStringLiteral("%1 tracks").arg(list.size()));
+    count->setText(trackCountText(list.size()));
     spinner->setVisible(model.importing);
     add->setEnabled(!model.importing);
     clear->setEnabled(!model.importing && !model.busy);
@@ -138,14 +138,13 @@ QWidget* NativeRoot::settingsRow() {
 
   follow([this, format, rateCaption, rate, match] {
     format->setCurrentText(model.codec);
-    rateCaption->setText(*model.codec == QStringLiteral("Ogg Vorbis") ? QStringLiteral("Nominal bitrate")
-                                                                      : QStringLiteral("Bitrate"));
+    rateCaption->setText(bitrateLabel(model.codec));
     rate->setAccessibleName(rateCaption->text());
     const auto rates = model.rates();
     if (rate->count() != static_cast<int>(rates.size())) {
       rate->clear();
       for (const std::int64_t kbps : rates) {
-        rate->addItem(QStringLiteral("%1 kbps").arg(kbps), static_cast<qlonglong>(kbps));
+        rate->addItem(bitrateText(kbps), static_cast<qlonglong>(kbps));
       }
     }
     rate->setCurrentIndex(rate->findData(static_cast<qlonglong>(*model.rate)));
@@ -171,8 +170,7 @@ QWidget* NativeRoot::startRow() {
   row->addStretch(1);
   follow([this, start, note] {
     start->setEnabled(model.canStart());
-    note->setText(model.tournament() ? QStringLiteral("Results revealed after your final vote")
-                                     : QStringLiteral("Formats hidden until you vote"));
+    note->setText(startNote(model.tournament()));
   });
   return panel;
 }

@@ -7,7 +7,7 @@
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/SymbolView.h"
 #include "app/controls/Text.h"
-#include "model/NativeModel.h"
+#include "model/Wording.h"
 
 #include <QCoreApplication>
 #include <algorithm>

@@ -3,8 +3,7 @@
 #include "app/controls/Button.h"
 #include "app/controls/RoundedPanel.h"
 #include "app/controls/Text.h"
-
-#include <algorithm>
+#include "model/Wording.h"
 
 namespace zarnet {
 
@@ -14,12 +13,8 @@ QWidget* answerRow(const Vote& answer, const QString& codec, bool first) {
   auto* panel = new QWidget;
   auto* column = bareColumn(panel, 0);
   if (!first) column->addWidget(new Divider);
-  const auto nameOf = [&](const QString& side) {
-    return answer.lossless == side ? QStringLiteral("Lossless") : codec;
-  };
   auto* title = new Text(TextStyle::headline, answer.title);
-  auto* sides = new Text(TextStyle::caption, QStringLiteral("A: ") + nameOf(QStringLiteral("A")) +
-                                                 QStringLiteral(" · B: ") + nameOf(QStringLiteral("B")));
+  auto* sides = new Text(TextStyle::caption, sidesText(answer, codec));
   sides->setSecondary(true);
   auto* texts = new QVBoxLayout;
   texts->setSpacing(6);
@@ -53,10 +48,8 @@ QWidget* NativeRoot::tally() {
 
   auto* totals = new QHBoxLayout;
   totals->setSpacing(14);
-  for (const QString& label : {QStringLiteral("Lossless preferred"), QStringLiteral("Lossy preferred"),
-                               QStringLiteral("Couldn’t tell")}) {
-    totals->addWidget(total(label), 1);
-  }
+  for (const Preference preference : {Preference::lossless, Preference::lossy, Preference::none})
+    totals->addWidget(total(preferenceText(preference)), 1);
   column->addLayout(totals);
 
   auto* rows = new QWidget;
@@ -77,10 +70,7 @@ QWidget* NativeRoot::tally() {
   column->addLayout(buttons);
 
   follow([this, summary, rows, rowColumn, drawn = std::vector<QUuid>()]() mutable {
-    summary->setText(QStringLiteral("%1 tracks · Lossless vs %2 · %3 kbps")
-                         .arg(model.answers->size())
-                         .arg(model.roundCodec)
-                         .arg(model.roundRate));
+    summary->setText(tallySummary(model.answers->size(), model.roundCodec, model.roundRate));
     std::vector<QUuid> answers;
     for (const Vote& answer : *model.answers)
       answers.push_back(answer.id);
@@ -106,9 +96,7 @@ QWidget* NativeRoot::total(const QString& label) {
   column->addWidget(caption);
   follow([this, box, number, label] {
     box->setGlass(model.glass);
-    const auto matching = std::count_if(model.answers->begin(), model.answers->end(),
-                                        [&](const Vote& answer) { return answer.preference() == label; });
-    number->setText(QString::number(matching));
+    number->setText(QString::number(preferenceCount(*model.answers, label)));
     box->setAccessibleName(label + QStringLiteral(": ") + number->text());
   });
   return box;

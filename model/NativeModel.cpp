@@ -20,11 +20,6 @@ const QString appearanceKey = QStringLiteral("appearance");
 
 }  // namespace
 
-QString clockText(double seconds) {
-  const auto whole = std::max<std::int64_t>(static_cast<std::int64_t>(seconds), 0);
-  return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
-}
-
 NativeModel::NativeModel(const std::filesystem::path& resources, std::unique_ptr<AudioEngine> engine,
                          Defaults settings)
     : defaults(std::move(settings)),

@@ -37,10 +37,6 @@ enum class Stage {
   tally    ///< a test of several tracks has ended and shows its tally
 };
 
-/// Minutes and seconds of a time in seconds, truncated: 0:59 for 59.9, 60:00 for an hour. A negative time is
-/// 0:00. Requires: a finite time.
-QString clockText(double seconds);
-
 /// The whole state of the application and everything that changes it. Screens read its properties, assign
 /// those that say so, and call its operations. An operation that is not allowed in the present state does
 /// nothing; a failure becomes the text of `error`.
