@@ -6,10 +6,10 @@
 #include "benchmarks/TaggedSongs.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/Programs.h"
-#include "tests/support/PulseServer.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/ScriptedSheets.h"
 #include "tests/support/Signals.h"
+#include "tests/support/SoundServer.h"
 #include "tests/support/Wait.h"
 
 #include <QApplication>
@@ -123,7 +123,7 @@ struct Shown {
   }
 
   test::ScratchFolder scratch;
-  test::PulseServer server;
+  test::SoundServer server;
   test::ScriptedSheets sheets;
   NativeModel model{test::resource(""), makeAudioEngine(server.address()),
                     Defaults(scratch / "defaults.json")};

@@ -2,8 +2,8 @@
 // on a real audio server. Both include what the test's own recorder and helper programs take.
 
 #include "playback/AudioPlayer.h"
-#include "tests/support/PulseServer.h"
 #include "tests/support/ReferencePlayer.h"
+#include "tests/support/SoundServer.h"
 #include "tests/support/Wait.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ namespace zarnet {
 namespace {
 
 using test::MonitorRecorder;
-using test::PulseServer;
+using test::SoundServer;
 using test::waitUntil;
 
 constexpr std::int64_t trackFrames = 960'000;
@@ -48,7 +48,7 @@ void timeUntil(benchmark::State& state, std::chrono::steady_clock::time_point be
 
 /// From a call of `select` to the first changed sample at the monitor.
 void switchToMonitor(benchmark::State& state) {
-  PulseServer server;
+  SoundServer server;
   const MonitorRecorder recorder(server, "null");
   AudioPlayer player(makeAudioEngine(server.address()));
   player.load(twoSigns(), true);
@@ -68,7 +68,7 @@ BENCHMARK(switchToMonitor)->UseManualTime()->Unit(benchmark::kMillisecond)->Iter
 
 /// From the start of the program that changes the default output to "playing" being false.
 void changeToStatus(benchmark::State& state) {
-  PulseServer server({"first", "second"});
+  SoundServer server({"first", "second"});
   const MonitorRecorder first(server, "first");
   const MonitorRecorder second(server, "second");
   AudioPlayer player(makeAudioEngine(server.address()));

@@ -44,15 +44,20 @@ function(zarnet_library name)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
 endfunction()
 
-# zarnet_test(NAME SOURCES … LIBRARIES lib…): one GoogleTest binary; each of its cases is a test of CTest, labelled with the
-# room that the folder belongs to.
+# zarnet_test(NAME SOURCES … LIBRARIES lib… [SOUND filter]): one GoogleTest binary; each of its cases is a test of CTest, labelled
+# with the room that the folder belongs to. Those that the filter names start a sound server of their own: PulseAudio, and as
+# "PipeWire.…" once more with that.
 function(zarnet_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "" "SOUND" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   zarnet_headers(${name} PRIVATE)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} zarnet_support GTest::gmock GTest::gtest_main)
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME room)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600 LABELS ${room})
+  if(ARG_SOUND)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_FILTER "${ARG_SOUND}" TEST_PREFIX PipeWire. TEST_LIST ${name}_PIPEWIRE
+      PROPERTIES TIMEOUT 600 LABELS ${room} ENVIRONMENT ZARNET_TEST_SERVER=pipewire)
+  endif()
 endfunction()
 
 # zarnet_benchmark(NAME SOURCES … LIBRARIES lib…): one Google Benchmark program, run by script/bench.

@@ -2,8 +2,8 @@
 // accessibility bus and the keyboard.
 
 #include "system/FileHandle.h"
-#include "tests/support/PulseServer.h"
 #include "tests/support/Signals.h"
+#include "tests/support/SoundServer.h"
 #include "tests/support/Wait.h"
 
 #include <algorithm>
@@ -105,7 +105,7 @@ class Application : public testing::Test {
 
   static constexpr std::chrono::seconds limit{120};
   ScratchFolder scratch;
-  PulseServer sound;
+  SoundServer sound;
   std::list<RunningProgram> helpers;
 };
 

@@ -4,8 +4,8 @@
 #include "app/controls/Accessibility.h"
 #include "app/controls/Motion.h"
 #include "tests/support/EventLoop.h"
-#include "tests/support/PulseServer.h"
 #include "tests/support/Signals.h"
+#include "tests/support/SoundServer.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -174,7 +174,7 @@ TEST_F(Screens, ATestOfOneTrackEndsInItsReveal) {
 }
 
 TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
-  const PulseServer sound;
+  const SoundServer sound;
   setenv("PULSE_SERVER", sound.address().c_str(), 1);
   delegate.importFiles({track("First"), track("Second", 20)});
   use({"Start blind comparison", "Continue"});

@@ -35,7 +35,7 @@ class WholeTest : public Models {
     return audio;
   }
 
-  PulseServer server;
+  SoundServer server;
 };
 
 TEST_F(WholeTest, RunsFromTheImportToTheSavedResults) {

@@ -2,8 +2,8 @@
 
 #include "playback/AudioPlayer.h"
 #include "system/PlatformError.h"
-#include "tests/support/PulseServer.h"
 #include "tests/support/ReferencePlayer.h"
+#include "tests/support/SoundServer.h"
 
 #include <chrono>
 #include <cmath>
@@ -52,16 +52,16 @@ void wait(const MonitorRecorder& recorder, std::size_t frames) {
 TEST(PlayerOnAServer, StopsWhereItIsWhenTheOutputChangesAndPlaysOnTheNewOneOnlyWhenToldTo) {
   const struct {
     const char* change;
-    std::function<void(PulseServer&)> make;
-    std::function<void(PulseServer&, AudioPlayer&)> mend;
+    std::function<void(SoundServer&)> make;
+    std::function<void(SoundServer&, AudioPlayer&)> mend;
     const char* next;
   } cases[] = {
-      {"another output", [](PulseServer& server) { server.setDefaultSink("second"); }, {}, "second"},
-      {"the output is removed", [](PulseServer& server) { server.control("unload-module 0"); }, {}, "second"},
-      {"the output is suspended", [](PulseServer& server) { server.control("suspend-sink first 1"); },
-       [](PulseServer& server, AudioPlayer&) { server.control("suspend-sink first 0"); }, "first"},
-      {"the server dies", [](PulseServer& server) { server.kill(); },
-       [](PulseServer& server, AudioPlayer& player) {
+      {"another output", [](SoundServer& server) { server.setDefaultSink("second"); }, {}, "second"},
+      {"the output is removed", [](SoundServer& server) { server.removeSink("first"); }, {}, "second"},
+      {"the output is suspended", [](SoundServer& server) { server.control("suspend-sink first 1"); },
+       [](SoundServer& server, AudioPlayer&) { server.control("suspend-sink first 0"); }, "first"},
+      {"the server dies", [](SoundServer& server) { server.kill(); },
+       [](SoundServer& server, AudioPlayer& player) {
          EXPECT_THROW(player.play(), PlatformError);
          EXPECT_FALSE(isPlaying(player));
          server.start();
@@ -71,7 +71,9 @@ TEST(PlayerOnAServer, StopsWhereItIsWhenTheOutputChangesAndPlaysOnTheNewOneOnlyW
   const PreparedAudio audio = countingComparison();
   for (const auto& [change, make, mend, next] : cases) {
     SCOPED_TRACE(change);
-    PulseServer server({"first", "second"});
+    // PipeWire suspends what nobody plays on, and ignores the rest.
+    if (std::string(change) == "the output is suspended" && SoundServer::isPipeWire()) continue;
+    SoundServer server({"first", "second"});
     AudioPlayer player(makeAudioEngine(server.address()));
     player.load(audio, true);
     {
@@ -96,7 +98,7 @@ TEST(PlayerOnAServer, StopsWhereItIsWhenTheOutputChangesAndPlaysOnTheNewOneOnlyW
 }
 
 TEST(PlayerOnAServer, ObeysWhileTheServerIsFrozenAndPlaysAgainAfterwards) {
-  PulseServer server;
+  SoundServer server;
   AudioPlayer player(makeAudioEngine(server.address()));
   const PreparedAudio audio = countingComparison();
   player.load(audio, true);

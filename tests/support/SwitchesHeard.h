@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/support/PulseServer.h"
 #include "tests/support/ReferencePlayer.h"
+#include "tests/support/SoundServer.h"
 
 #include <cmath>
 
