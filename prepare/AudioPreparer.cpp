@@ -60,6 +60,12 @@ void AudioPreparer::cancel() {
   if (process != nullptr) process->terminate();
 }
 
+void AudioPreparer::cancelAtOnce() {
+  const MutexLock lock(processLock);
+  cancelled = true;
+  if (process != nullptr) process->killAtOnce();
+}
+
 void AudioPreparer::resetCancellation() {
   const MutexLock lock(processLock);
   cancelled = false;

@@ -47,15 +47,18 @@ class AudioPreparer {
   PreparedAudio prepare(const std::filesystem::path& url, const std::string& id, const std::string& codec,
                         std::int64_t bitrate, bool match, const Progress& progress);
 
-  /// Runs a program to its end; what it prints goes to "process.log" in the workspace, which starts empty.
-  /// Raises `AppError` "Cancelled" once `cancel` was called, "Audio conversion failed. " with the last 650
-  /// characters of the log when the exit status is not 0 or a signal ended the program, and `PlatformError`
-  /// when the log cannot be opened or the program cannot be started.
+  /// Runs a program to its end; it does not outlive the calling thread. What it prints goes to "process.log"
+  /// in the workspace, which starts empty. Raises `AppError` "Cancelled" once `cancel` was called, "Audio
+  /// conversion failed. " with the last 650 characters of the log when the exit status is not 0 or a signal
+  /// ended the program, and `PlatformError` when the log cannot be opened or the program cannot be started.
   void run(const std::filesystem::path& executable, const std::vector<std::string>& arguments);
 
-  /// Makes the running program end and every later `run` and cancellation point raise "Cancelled", until
-  /// `resetCancellation`. Never blocks on a running conversion; never raises.
+  /// Asks the running program to end, and makes every later `run` and cancellation point raise "Cancelled",
+  /// until `resetCancellation`. Never blocks on a running conversion; never raises. A program that goes on
+  /// for two seconds is killed by the `run` that waits for it.
   void cancel() EXCLUDES(processLock);
+  /// The same, but the program is killed at once.
+  void cancelAtOnce() EXCLUDES(processLock);
   void resetCancellation() EXCLUDES(processLock);
   /// Raises `AppError` "Cancelled" after `cancel`.
   void checkCancellation() EXCLUDES(processLock);

@@ -55,12 +55,13 @@ void writeAll(const std::filesystem::path& path, const void* source, std::size_t
 
 }  // namespace
 
-FileHandle::FileHandle(int descriptor, std::filesystem::path name) : fd(descriptor), path(std::move(name)) {}
+FileHandle::FileHandle(int descriptor, std::filesystem::path name)
+    : file(descriptor), path(std::move(name)) {}
 
 FileHandle FileHandle::openForReading(const std::filesystem::path& path) {
   FileHandle file(openFile(path, O_RDONLY), path);
   struct stat information {};
-  if (fstat(file.fd, &information) == 0 && S_ISDIR(information.st_mode))
+  if (fstat(file.descriptor(), &information) == 0 && S_ISDIR(information.st_mode))
     throw systemError(path, "could not be opened", EISDIR);
   return file;
 }
@@ -68,7 +69,7 @@ FileHandle FileHandle::openForReading(const std::filesystem::path& path) {
 FileHandle FileHandle::openOrdinaryFile(const std::filesystem::path& path) {
   FileHandle file(openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY), path);
   struct stat information {};
-  if (fstat(file.fd, &information) != 0) throw systemError(path, "could not be opened", errno);
+  if (fstat(file.descriptor(), &information) != 0) throw systemError(path, "could not be opened", errno);
   if (S_ISDIR(information.st_mode)) throw systemError(path, "could not be opened", EISDIR);
   if (!S_ISREG(information.st_mode))
     throw PlatformError(quotedName(path) + " could not be opened: It is not an ordinary file.");
@@ -79,43 +80,38 @@ FileHandle FileHandle::createForWriting(const std::filesystem::path& path) {
   return {openFile(path, O_WRONLY | O_CREAT | O_TRUNC), path};
 }
 
-FileHandle::FileHandle(FileHandle&& other) noexcept
-    : fd(std::exchange(other.fd, -1)), path(std::move(other.path)) {}
-
-FileHandle::~FileHandle() {
-  if (fd >= 0) ::close(fd);
-}
-
 std::size_t FileHandle::read(void* target, std::size_t bytes) {
-  return readAll(path, target, bytes,
-                 [this](char* next, std::size_t rest, std::size_t) { return ::read(fd, next, rest); });
+  return readAll(path, target, bytes, [this](char* next, std::size_t rest, std::size_t) {
+    return ::read(file.get(), next, rest);
+  });
 }
 
 std::size_t FileHandle::readAt(std::int64_t offset, void* target, std::size_t bytes) const {
   return readAll(path, target, bytes, [this, offset](char* next, std::size_t rest, std::size_t done) {
-    return pread(fd, next, rest, offset + static_cast<std::int64_t>(done));
+    return pread(file.get(), next, rest, offset + static_cast<std::int64_t>(done));
   });
 }
 
 std::int64_t FileHandle::size() const {
   struct stat information {};
-  if (fstat(fd, &information) != 0) throw systemError(path, "could not be read", errno);
+  if (fstat(file.get(), &information) != 0) throw systemError(path, "could not be read", errno);
   return information.st_size;
 }
 
 void FileHandle::write(const void* source, std::size_t bytes) {
-  writeAll(path, source, bytes,
-           [this](const char* next, std::size_t rest, std::size_t) { return ::write(fd, next, rest); });
+  writeAll(path, source, bytes, [this](const char* next, std::size_t rest, std::size_t) {
+    return ::write(file.get(), next, rest);
+  });
 }
 
 void FileHandle::writeAt(std::int64_t offset, const void* source, std::size_t bytes) {
   writeAll(path, source, bytes, [this, offset](const char* next, std::size_t rest, std::size_t done) {
-    return pwrite(fd, next, rest, offset + static_cast<std::int64_t>(done));
+    return pwrite(file.get(), next, rest, offset + static_cast<std::int64_t>(done));
   });
 }
 
 void FileHandle::close() {
-  if (::close(std::exchange(fd, -1)) != 0) throw systemError(path, "could not be written", errno);
+  if (!file.close()) throw systemError(path, "could not be written", errno);
 }
 
 }  // namespace zarnet

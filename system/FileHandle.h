@@ -1,5 +1,7 @@
 #pragma once
 
+#include "system/Descriptor.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -17,12 +19,6 @@ class FileHandle {
   /// Opens a file for writing from its start, creating it when it is missing and emptying it when it is not.
   static FileHandle createForWriting(const std::filesystem::path& path);
 
-  FileHandle(FileHandle&& other) noexcept;
-  FileHandle& operator=(FileHandle&&) = delete;
-  FileHandle(const FileHandle&) = delete;
-  FileHandle& operator=(const FileHandle&) = delete;
-  ~FileHandle();
-
   /// Reads until `bytes` bytes have been delivered or the file ends; returns how many were. 0 at the end.
   std::size_t read(void* target, std::size_t bytes);
   /// The same from a place of its own, without moving the reading position. Any thread.
@@ -38,14 +34,14 @@ class FileHandle {
   /// else may be called afterwards.
   void close();
 
-  int descriptor() const { return fd; }
+  int descriptor() const { return file.get(); }
   /// The location as it was given.
   const std::filesystem::path& location() const { return path; }
 
  private:
   FileHandle(int descriptor, std::filesystem::path name);
 
-  int fd;
+  Descriptor file;
   std::filesystem::path path;
 };
 

@@ -2,7 +2,10 @@
 #include "system/FileHandle.h"
 #include "tests/support/Programs.h"
 
+#include <chrono>
 #include <csignal>
+#include <optional>
+#include <thread>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -67,6 +70,35 @@ TEST(ChildProcess, TerminatesWhatTheChildStarted) {
   ASSERT_EQ(poll(&closing, 1, 30'000), 1) << "the grandchild still holds its output open";
   EXPECT_EQ(read(ends[0], &started, 1), 0);
   close(ends[0]);
+}
+
+TEST(ChildProcess, EndsWithTheThreadThatStartedIt) {
+  const test::ScratchFolder scratch;
+  const FileHandle output = FileHandle::createForWriting(scratch / "output");
+  std::optional<ChildProcess> child;
+  std::thread([&] {
+    child.emplace("/bin/sleep", std::vector<std::string>{"1000"}, output.descriptor());
+  }).join();
+  EXPECT_EQ(child->reap(), 128 + SIGKILL);
+}
+
+TEST(ChildProcess, KillsAChildThatDoesNotEndWhenAsked) {
+  for (const char* const script : {"trap '' TERM; echo; while :; do sleep 1; done",
+                                   "trap 'kill -STOP $$' TERM; echo; while :; do sleep 1; done"}) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    ChildProcess child("/bin/sh", {"-c", script}, ends[1]);
+    char ready = 0;
+    ASSERT_EQ(read(ends[0], &ready, 1), 1);
+    child.terminate();
+    const auto asked = std::chrono::steady_clock::now();
+    child.waitUntilExited();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - asked;
+    EXPECT_GT(taken.count(), 1.9);
+    EXPECT_EQ(child.reap(), 128 + SIGKILL);
+    for (const int end : ends)
+      close(end);
+  }
 }
 
 }  // namespace zarnet

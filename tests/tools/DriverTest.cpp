@@ -2,6 +2,8 @@
 #include "tests/support/Signals.h"
 
 #include <csignal>
+#include <fstream>
+#include <set>
 
 #include <gmock/gmock.h>
 
@@ -20,6 +22,19 @@ std::vector<std::string> driverLine(const ScratchFolder& folder, const std::stri
 /// The names of what lies in a folder, in the order of their bytes, one on a line.
 std::string entries(const std::filesystem::path& folder) {
   return runProgram({"env", "LC_ALL=C", "ls", "-A", folder.string()}).output;
+}
+
+/// The programs that run in this folder, by name.
+std::multiset<std::string> programsIn(const ScratchFolder& folder) {
+  std::multiset<std::string> programs;
+  for (const auto& process : std::filesystem::directory_iterator("/proc")) {
+    std::error_code gone;
+    if (std::filesystem::read_symlink(process.path() / "cwd", gone) != folder.path()) continue;
+    std::string name;
+    std::getline(std::ifstream(process.path() / "comm"), name);
+    programs.insert(name);
+  }
+  return programs;
 }
 
 void writeTake(const std::filesystem::path& path) {
@@ -116,6 +131,18 @@ TEST(Driver, LeavesNothingBehindWhenASignalStopsIt) {
     EXPECT_EQ(kill(std::stoi(readFile(scratch / "child")), 0), -1);
     EXPECT_EQ(entries(scratch.path()), "child\nerrors\nresources\ntake.wav\n");
     EXPECT_EQ(readFile(scratch / "errors"), "take.wav:\nPreparing audio…\nCancelled\n");
+  }
+}
+
+TEST(Driver, TakesItsProgramsAlongWhenItIsKilled) {
+  const ScratchFolder scratch;
+  writeWave(scratch / "long.wav", noise(48000, 2, 48'000 * 120, 0.3, 1), SampleType::int16);
+  for (const int number : {SIGKILL, SIGQUIT}) {
+    RunningProgram program(driverLine(scratch, "--codec MP3 long.wav"));
+    ASSERT_TRUE(waitUntil([&] { return programsIn(scratch).contains("lame"); }));
+    program.sendSignal(number);
+    EXPECT_TRUE(program.exitStatus(std::chrono::seconds(60)).has_value());
+    EXPECT_TRUE(waitUntil([&] { return programsIn(scratch).empty(); }, std::chrono::seconds(5)));
   }
 }
 

@@ -88,6 +88,7 @@ int prepareAll(const DriverOptions& options, const sigset_t& signals) {
   const StopSignals stopSignals(
       signals, [&] { preparer.cancel(); },
       [&] {
+        preparer.cancelAtOnce();
         try {
           removeAll(preparer.directory);
         } catch (const std::exception&) {  // somebody is in a hurry
