@@ -3,7 +3,23 @@
 #include "desktop/Palette.h"
 #include "desktop/PortalSetting.h"
 
+#include <QStyleHints>
+
 namespace zarnet {
+
+namespace {
+
+// What the toolkit knows of the desktop's theme.
+std::optional<ColorScheme> themeScheme() {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+  const Qt::ColorScheme scheme = QGuiApplication::styleHints()->colorScheme();
+  if (scheme != Qt::ColorScheme::Unknown)
+    return scheme == Qt::ColorScheme::Dark ? ColorScheme::dark : ColorScheme::light;
+#endif
+  return std::nullopt;
+}
+
+}  // namespace
 
 void setApplicationAppearance(std::optional<ColorScheme> chosen) {
   auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
@@ -26,6 +42,10 @@ void Appearance::choose(std::optional<ColorScheme> scheme) {
 
 void Appearance::follow() {
   following = true;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+  connect(QGuiApplication::styleHints(), &QStyleHints::colorSchemeChanged, this, &Appearance::apply);
+#endif
+  if (themeScheme()) return;
   new PortalSetting(
       QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme"), bus,
       [this](const QVariant& value) {
@@ -43,7 +63,7 @@ void Appearance::take(const QVariant& value) {
 }
 
 void Appearance::apply() {
-  const ColorScheme scheme = chosen.value_or(portalScheme.value_or(platformScheme));
+  const ColorScheme scheme = chosen.value_or(themeScheme().value_or(portalScheme.value_or(platformScheme)));
   const QPalette palette = scheme == ColorScheme::dark ? darkPalette() : lightPalette();
   if (QGuiApplication::palette() != palette) QGuiApplication::setPalette(palette);
 }

@@ -16,9 +16,10 @@ enum class ColorScheme { light, dark };
 void setApplicationAppearance(std::optional<ColorScheme> chosen);
 
 /// What stands behind `setApplicationAppearance`: it belongs to the application object and knows what the
-/// desktop wants. That is the colour scheme of the desktop portal, read over D-Bus when it is first needed,
-/// when it changes and whenever a portal appears; without a portal, or when it states no preference, the
-/// scheme of the platform's own palette at the time this object was made. Interface thread.
+/// desktop wants. That is the colour scheme that the toolkit tells of the desktop's theme, and its changes
+/// (from Qt 6.5 on, under the desktops that it knows); else that of the desktop portal, read over D-Bus when
+/// it is first needed, when it changes and whenever a portal appears; without a portal, or when it states no
+/// preference, the scheme of the platform's own palette at the time this object was made. Interface thread.
 class Appearance : public QObject {
   Q_OBJECT
 
