@@ -1,13 +1,13 @@
 #include "app/AppDelegate.h"
 
-#include "app/NativeAcknowledgements.h"
 #include "app/NativeRoot.h"
-#include "app/NativeSettings.h"
-#include "app/Sheet.h"
 #include "app/WindowFit.h"
-#include "app/controls/Motion.h"
-#include "app/controls/Symbol.h"
-#include "app/controls/Typography.h"
+#include "app/screens/NativeAcknowledgements.h"
+#include "app/screens/NativeSettings.h"
+#include "app/sheets/Sheet.h"
+#include "app/style/Motion.h"
+#include "app/style/Symbol.h"
+#include "app/style/Typography.h"
 #include "system/UserError.h"
 
 #include <QAction>

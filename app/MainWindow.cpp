@@ -1,6 +1,6 @@
 #include "app/MainWindow.h"
 
-#include "app/Translucency.h"
+#include "app/style/Translucency.h"
 #include "desktop/Palette.h"
 
 #include <QCloseEvent>

@@ -1,8 +1,8 @@
 #include "app/NativeRoot.h"
 
-#include "app/Sheet.h"
-#include "app/controls/Drawing.h"
-#include "app/controls/FocusRing.h"
+#include "app/sheets/Sheet.h"
+#include "app/style/Drawing.h"
+#include "app/widgets/FocusRing.h"
 #include "desktop/Palette.h"
 
 #include <QAccessible>

@@ -1,6 +1,6 @@
 #include "app/SaveDialog.h"
 
-#include "app/Sheet.h"
+#include "app/sheets/Sheet.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "app/WindowSheets.h"
 
 #include "app/SaveDialog.h"
-#include "app/Sheet.h"
+#include "app/sheets/Sheet.h"
 
 #include <QFile>
 #include <QFileDialog>

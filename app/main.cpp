@@ -1,6 +1,6 @@
 #include "app/AppDelegate.h"
-#include "app/ApplicationStyle.h"
-#include "app/controls/Accessibility.h"
+#include "app/style/ApplicationStyle.h"
+#include "app/widgets/Accessibility.h"
 #include "desktop/QuitSignals.h"
 #include "prepare/Resources.h"
 

@@ -1,8 +1,8 @@
 // The application on a display of its own: how soon its window is painted and what it holds then, how long
 // the interface stands still while songs are added, and what a comparison on screen takes of a processor.
 
-#include "app/ApplicationStyle.h"
 #include "app/NativeRoot.h"
+#include "app/style/ApplicationStyle.h"
 #include "benchmarks/TaggedSongs.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/Programs.h"

@@ -1,6 +1,6 @@
 #include "app/SaveDialog.h"
-#include "app/Sheet.h"
 #include "app/WindowSheets.h"
+#include "app/sheets/Sheet.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/ScratchFolder.h"
 

@@ -1,15 +1,15 @@
 // Every screen and every state of it, and the results image, as they are meant to look: each is drawn from
 // fixed data and compared with the picture in this folder. `script/pictures` draws the pictures anew.
 
-#include "app/ApplicationStyle.h"
 #include "app/MainWindow.h"
-#include "app/NativeAcknowledgements.h"
 #include "app/NativeRoot.h"
-#include "app/NativeSettings.h"
-#include "app/Popover.h"
 #include "app/WindowSheets.h"
-#include "app/controls/Motion.h"
-#include "app/controls/Spinner.h"
+#include "app/screens/NativeAcknowledgements.h"
+#include "app/screens/NativeSettings.h"
+#include "app/sheets/Popover.h"
+#include "app/style/ApplicationStyle.h"
+#include "app/style/Motion.h"
+#include "app/widgets/Spinner.h"
 #include "results/ResultsImage.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FakeAudioEngine.h"
