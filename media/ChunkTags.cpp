@@ -1,103 +1,96 @@
 #include "media/ChunkTags.h"
 
+#include "media/ByteOrder.h"
 #include "media/Id3Frames.h"
-#include "media/TagValues.h"
 
 #include <algorithm>
 #include <functional>
 #include <span>
+#include <string>
 
 namespace zarnet {
 
 namespace {
 
-using TagLib::ByteVector;
-using TagLib::IOStream;
-
-/// No honest file comes near; a made-up one is not followed to its end.
-constexpr std::size_t mostChunks = 10'000;
-constexpr unsigned int unknownSize = 0xFFFFFFFF;
+constexpr std::uint32_t unknownSize = 0xFFFF'FFFF;
 constexpr const char* macText = "macintosh";
 
 /// A named stretch of a file: where its content lies.
 struct Chunk {
-  ByteVector id;
-  long start;
-  long end;
+  std::string id;
+  std::int64_t start;
+  std::int64_t end;
 };
 
 using Visit = std::function<void(const Chunk&)>;
 
-ByteVector bytesAt(IOStream& file, long offset, long count) {
-  file.seek(offset);
-  return file.readBlock(static_cast<TagLib::ulong>(std::max(count, 0L)));
-}
-
-/// A chunk's content, with no more than the one byte that shows that it is longer than `most`.
-ByteVector content(IOStream& file, const Chunk& chunk, std::size_t most) {
-  return bytesAt(file, chunk.start, std::min(chunk.end - chunk.start, static_cast<long>(most) + 1));
+/// As much of a chunk's content as a text may have.
+std::string text(TagFile& file, const Chunk& chunk) {
+  return file.bytes(chunk.start, std::min(chunk.end - chunk.start, longestText));
 }
 
 enum class ByteOrder { little, big };
 
 /// Visits the chunks that a RIFF or IFF file or list has between two places.
-void eachChunk(IOStream& file, long start, long end, ByteOrder order, const Visit& visit) {
-  long longDataSize = 0;
-  for (std::size_t count = 0; count < mostChunks && start + 8 <= end; ++count) {
-    const ByteVector header = bytesAt(file, start, 8);
+void eachChunk(TagFile& file, std::int64_t start, std::int64_t end, ByteOrder order, const Visit& visit) {
+  std::int64_t longDataSize = 0;
+  while (start + 8 <= end) {
+    const std::string header = file.bytes(start, 8);
     if (header.size() < 8) return;
     start += 8;
-    const ByteVector id = header.mid(0, 4);
-    const unsigned int stated = header.toUInt(4, order == ByteOrder::big);
+    const std::string id = header.substr(0, 4);
+    const std::uint32_t stated = order == ByteOrder::big ? loadBigEndian<std::uint32_t>(&header[4])
+                                                         : loadLittleEndian<std::uint32_t>(&header[4]);
     const bool isLong = stated == unknownSize && id == "data" && longDataSize > 0;
-    const long size = std::min(isLong ? longDataSize : long{stated}, end - start);
-    if (id == "ds64") longDataSize = static_cast<long>(bytesAt(file, start + 8, 8).toLongLong(false));
+    const std::int64_t size = std::min(isLong ? longDataSize : std::int64_t{stated}, end - start);
+    if (id == "ds64") {
+      const std::string longSize = file.bytes(start + 8, 8);
+      if (longSize.size() == 8) longDataSize = loadLittleEndian<std::int64_t>(longSize.data());
+    }
     visit({id, start, start + size});
     start += size;
     // Some writers forget to pad a chunk of odd size; no chunk's name begins with NUL.
-    if (size % 2 != 0 && bytesAt(file, start, 1) == ByteVector('\0')) ++start;
+    if (size % 2 != 0 && file.bytes(start, 1) == std::string(1, '\0')) ++start;
   }
 }
 
-/// Reads the first ID3v2 chunk of a RIFF or IFF file and visits all others. A tag states its own size and may
-/// reach behind its chunk: if many were read, each might be the rest of the file.
-void eachOuterChunk(IOStream& file, ByteOrder order, MediaTags& tags, const Visit& visit) {
-  constexpr long header = 12;
-  bool hasId3 = false;
-  eachChunk(file, header, file.length(), order, [&](const Chunk& chunk) {
+/// Reads the ID3v2 chunks of a RIFF or IFF file and visits all others.
+void eachOuterChunk(TagFile& file, ByteOrder order, FoundTags& tags, const Visit& visit) {
+  constexpr std::int64_t header = 12;
+  eachChunk(file, header, file.size(), order, [&](const Chunk& chunk) {
     if (chunk.id != "id3 " && chunk.id != "ID3 ") return visit(chunk);
-    if (!hasId3) readId3(file, chunk.start, tags);
-    hasId3 = true;
+    readId3(file, chunk.start, chunk.end, tags);
   });
 }
 
 /// Visits the atoms that an MPEG-4 file has between two places.
-void eachAtom(IOStream& file, long start, long end, const Visit& visit) {
-  for (std::size_t count = 0; count < mostChunks && start + 8 <= end; ++count) {
-    const ByteVector header = bytesAt(file, start, 16);
+void eachAtom(TagFile& file, std::int64_t start, std::int64_t end, const Visit& visit) {
+  while (start + 8 <= end) {
+    const std::string header = file.bytes(start, 16);
     if (header.size() < 8) return;
-    long headerSize = 8;
-    long size = header.toUInt(0U, true);
+    std::int64_t headerSize = 8;
+    std::int64_t size = loadBigEndian<std::uint32_t>(header.data());
     if (size == 0) size = end - start;
-    if (size == 1) {
+    if (size == 1 && header.size() == 16) {
       headerSize = 16;
-      size = static_cast<long>(header.toLongLong(8U, true));
+      size = loadBigEndian<std::int64_t>(&header[8]);
     }
-    const long next = start + std::min(size, end - start);
+    const std::int64_t next = start + std::min(size, end - start);
     if (next < start + headerSize) return;
-    visit({header.mid(4, 4), start + headerSize, next});
+    visit({header.substr(4, 4), start + headerSize, next});
     start = next;
   }
 }
 
 /// Where the atoms within an atom begin. The files of one family put four bytes before those of "meta".
-long firstInside(IOStream& file, const Chunk& atom) {
-  if (atom.id != "meta" || bytesAt(file, atom.start + 4, 4) == "hdlr") return atom.start;
+std::int64_t firstInside(TagFile& file, const Chunk& atom) {
+  if (atom.id != "meta" || file.bytes(atom.start + 4, 4) == "hdlr") return atom.start;
   return atom.start + 4;
 }
 
 /// Visits the atoms at the end of a path of names.
-void eachAtom(IOStream& file, long start, long end, std::span<const char* const> path, const Visit& visit) {
+void eachAtom(TagFile& file, std::int64_t start, std::int64_t end, std::span<const char* const> path,
+              const Visit& visit) {
   eachAtom(file, start, end, [&](const Chunk& atom) {
     if (atom.id != path.front()) return;
     if (path.size() == 1) return visit(atom);
@@ -106,45 +99,55 @@ void eachAtom(IOStream& file, long start, long end, std::span<const char* const>
 }
 
 /// Appends the value of an item's "data" atom to whatever field the item is.
-void readItem(IOStream& file, const ByteVector& item, const Chunk& data, MediaTags& tags) {
-  enum : unsigned int { untyped = 0, utf8 = 1, utf16 = 2 };
-  const unsigned int type = bytesAt(file, data.start, 4).toUInt(true);
+void readItem(TagFile& file, const std::string& item, const Chunk& data, FoundTags& tags) {
+  enum : std::uint32_t { untyped = 0, utf8 = 1, utf16 = 2 };
+  const std::string type = file.bytes(data.start, 4);
   const Chunk value{data.id, std::min(data.start + 8, data.end), data.end};
-  if (item == "covr") return appendPicture(tags.pictures, content(file, value, largestPicture));
-
-  std::vector<std::string>& texts = item == "\251nam"   ? tags.own.title
-                                    : item == "\251ART" ? tags.own.artist
-                                                        : tags.own.album;
-  if (type == untyped || type == utf8) appendText(texts, content(file, value, longestText), windowsText);
-  if (type == utf16) appendUTF16(texts, content(file, value, longestText));
+  if (type.size() < 4) return;
+  if (item == "covr") {
+    tags.pictures.push_back({value.start, value.end - value.start});
+    return;
+  }
+  TagFields& own = tags.texts.own;
+  std::vector<std::string>& texts = item == "\251nam"   ? own.title
+                                    : item == "\251ART" ? own.artist
+                                                        : own.album;
+  switch (loadBigEndian<std::uint32_t>(type.data())) {
+    case untyped:
+    case utf8:
+      return appendText(texts, text(file, value), windowsText);
+    case utf16:
+      return appendText(texts, decoded(text(file, value), "UTF-16BE"));
+    default:
+      return;
+  }
 }
 
 }  // namespace
 
-void readWaveTags(IOStream& file, MediaTags& tags) {
-  eachOuterChunk(file, ByteOrder::little, tags, [&](const Chunk& chunk) {
-    if (chunk.id != "LIST" || bytesAt(file, chunk.start, 4) != "INFO") return;
-    eachChunk(file, chunk.start + 4, chunk.end, ByteOrder::little, [&](const Chunk& info) {
-      const auto appendTo = [&](std::vector<std::string>& texts) {
-        appendText(texts, content(file, info, longestText), windowsText);
-      };
-      if (info.id == "INAM") appendTo(tags.info.title);
-      if (info.id == "IART") appendTo(tags.info.artist);
-      if (info.id == "IPRD") appendTo(tags.info.album);
+void readWaveTags(TagFile& file, FoundTags& tags) {
+  TagFields& info = tags.texts.info;
+  eachOuterChunk(file, ByteOrder::little, tags, [&](const Chunk& list) {
+    if (list.id != "LIST" || file.bytes(list.start, 4) != "INFO") return;
+    eachChunk(file, list.start + 4, list.end, ByteOrder::little, [&](const Chunk& chunk) {
+      if (chunk.id == "INAM") appendText(info.title, text(file, chunk), windowsText);
+      if (chunk.id == "IART") appendText(info.artist, text(file, chunk), windowsText);
+      if (chunk.id == "IPRD") appendText(info.album, text(file, chunk), windowsText);
     });
   });
 }
 
-void readAiffTags(IOStream& file, MediaTags& tags) {
+void readAiffTags(TagFile& file, FoundTags& tags) {
+  TagFields& info = tags.texts.info;
   eachOuterChunk(file, ByteOrder::big, tags, [&](const Chunk& chunk) {
-    if (chunk.id == "NAME") appendText(tags.info.title, content(file, chunk, longestText), macText);
-    if (chunk.id == "AUTH") appendText(tags.info.artist, content(file, chunk, longestText), macText);
+    if (chunk.id == "NAME") appendText(info.title, text(file, chunk), macText);
+    if (chunk.id == "AUTH") appendText(info.artist, text(file, chunk), macText);
   });
 }
 
-void readMpeg4Tags(IOStream& file, MediaTags& tags) {
+void readMpeg4Tags(TagFile& file, FoundTags& tags) {
   constexpr const char* list[] = {"moov", "udta", "meta", "ilst"};
-  eachAtom(file, 0, file.length(), list, [&](const Chunk& items) {
+  eachAtom(file, 0, file.size(), list, [&](const Chunk& items) {
     eachAtom(file, items.start, items.end, [&](const Chunk& item) {
       if (item.id != "\251nam" && item.id != "\251ART" && item.id != "\251alb" && item.id != "covr") return;
       constexpr const char* values[] = {"data"};

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "media/MediaTags.h"
-
-#include <taglib/tiostream.h>
+#include "media/TagFile.h"
+#include "media/TagValues.h"
 
 namespace zarnet {
 
@@ -10,13 +9,12 @@ namespace zarnet {
 // the reading and nothing raises.
 
 /// RIFF WAVE, also with 64-bit sizes (RF64, BW64): the list of INFO texts and an ID3v2 chunk.
-void readWaveTags(TagLib::IOStream& file, MediaTags& tags);
+void readWaveTags(TagFile& file, FoundTags& tags);
 
 /// AIFF and AIFF-C: the text chunks and an ID3v2 chunk.
-void readAiffTags(TagLib::IOStream& file, MediaTags& tags);
+void readAiffTags(TagFile& file, FoundTags& tags);
 
-/// MPEG-4: the items of every "ilst" atom in the places where one belongs. TagLib's own reader follows atoms
-/// into each other for as long as the stack lasts.
-void readMpeg4Tags(TagLib::IOStream& file, MediaTags& tags);
+/// MPEG-4: the items of every "ilst" atom in the places where one belongs.
+void readMpeg4Tags(TagFile& file, FoundTags& tags);
 
 }  // namespace zarnet

@@ -1,59 +1,60 @@
 #include "media/MediaTagReader.h"
 
 #include "media/ChunkTags.h"
+#include "media/FlacTags.h"
 #include "media/Id3Frames.h"
 #include "media/LibAv.h"
+#include "media/TagFile.h"
 #include "media/TagValues.h"
-#include "system/FileHandle.h"
 
 #include <algorithm>
 #include <array>
-
-#include <taglib/flacfile.h>
-#include <taglib/flacpicture.h>
-#include <taglib/tfilestream.h>
-#include <taglib/xiphcomment.h>
+#include <limits>
 
 namespace zarnet {
 
 namespace {
 
-using TagLib::ByteVector;
-using TagLib::String;
-
 bool isComplete(const TagFields& fields) {
   return !fields.title.empty() && !fields.artist.empty() && !fields.album.empty();
 }
 
-void appendComments(std::vector<std::string>& texts, const TagLib::Ogg::FieldListMap& comments,
-                    const char* name) {
-  for (const String& value : comments[name])
-    appendText(texts, value.to8Bit(true));
+bool isMpeg4(const std::string& firstAtom) {
+  constexpr std::array first = {"ftyp", "moov", "mdat", "wide", "free", "skip"};
+  return std::any_of(first.begin(), first.end(), [&](const char* name) { return firstAtom == name; });
 }
 
-void readFlacTags(TagLib::IOStream& stream, MediaTags& tags) {
-  WantedFrames factory;
-  TagLib::FLAC::File file(&stream, &factory, false);
-  const auto appendPictures = [&](const TagLib::List<TagLib::FLAC::Picture*>& pictures) {
-    for (const TagLib::FLAC::Picture* picture : pictures)
-      appendPicture(tags.pictures, picture->data());
-  };
-  appendPictures(file.pictureList());
-  // A damaged file may have either by its own account and yet none to give.
-  if (TagLib::Ogg::XiphComment* own = file.xiphComment()) {
-    const TagLib::Ogg::FieldListMap& comments = own->fieldListMap();
-    appendComments(tags.own.title, comments, "TITLE");
-    appendComments(tags.own.artist, comments, "ARTIST");
-    appendComments(tags.own.album, comments, "ALBUM");
-    appendPictures(own->pictureList());
+/// Reads what has a reader here. Returns whether that is all there is.
+bool readTags(TagFile& file, FoundTags& tags) {
+  const std::string head = file.bytes(0, 12);
+  if (head.size() < 12) return true;
+  const std::string family = head.substr(0, 4);
+  const std::string kind = head.substr(8, 4);
+  if ((family == "RIFF" || family == "RF64" || family == "BW64") && kind == "WAVE") {
+    readWaveTags(file, tags);
+    return true;
   }
-  if (const TagLib::ID3v2::Tag* id3 = file.ID3v2Tag()) appendId3Frames(*id3, tags);
+  if (family == "FORM" && (kind == "AIFF" || kind == "AIFC")) {
+    readAiffTags(file, tags);
+    return true;
+  }
+  if (isMpeg4(head.substr(4, 4))) readMpeg4Tags(file, tags);
+  constexpr int mostTags = 16;
+  FoundTags id3;
+  std::int64_t start = 0;
+  for (int i = 0; i < mostTags; ++i)
+    start = readId3(file, start, file.size(), id3);
+  const bool isFlac = file.bytes(start, 4) == "fLaC";
+  if (isFlac) readFlacTags(file, start, tags);
+  tags.texts.id3 = std::move(id3.texts.id3);
+  tags.pictures.insert(tags.pictures.end(), id3.pictures.begin(), id3.pictures.end());
+  return isFlac || isComplete(tags.texts.own);
 }
 
 void readDictionary(const AVDictionary* dictionary, TagFields& fields) {
   const auto append = [&](std::vector<std::string>& texts, const char* key) {
     const AVDictionaryEntry* entry = av_dict_get(dictionary, key, nullptr, 0);
-    if (entry != nullptr) appendText(texts, ByteVector(entry->value), windowsText);
+    if (entry != nullptr) appendText(texts, entry->value, windowsText);
   };
   append(fields.title, "title");
   append(fields.artist, "artist");
@@ -61,52 +62,77 @@ void readDictionary(const AVDictionary* dictionary, TagFields& fields) {
 }
 
 /// What libav finds in a container that has no reader here.
-void readInfo(const std::filesystem::path& path, MediaTags& tags) {
-  const FileHandle source = FileHandle::openOrdinaryFile(path);
-  const libav::InputFile file(source);
-  readDictionary(file.context()->metadata, tags.info);
-  readDictionary(file.audioStream()->metadata, tags.info);
+void readInfo(const FileHandle& handle, TagFields& info) {
+  const libav::InputFile file(handle);
+  readDictionary(file.context()->metadata, info);
+  readDictionary(file.audioStream()->metadata, info);
 }
 
-/// Whether a FLAC stream begins at the start or right behind an ID3v2 tag.
-bool isFlac(TagLib::IOStream& file, const ByteVector& head) {
-  if (head.startsWith("fLaC")) return true;
-  if (!head.startsWith("ID3")) return false;
-  const TagLib::ID3v2::Header id3(head);
-  file.seek(static_cast<long>(id3.completeTagSize()));
-  return file.readBlock(4) == "fLaC";
+std::string fromBase64(std::string_view text) {
+  std::string bytes;
+  std::uint32_t bits = 0;
+  int count = 0;
+  for (const char letter : text) {
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const std::size_t digit = digits.find(letter);
+    if (digit == std::string_view::npos) break;
+    bits = bits << 6 | static_cast<std::uint32_t>(digit);
+    count += 6;
+    if (count < 8) continue;
+    count -= 8;
+    bytes += static_cast<char>(bits >> count);
+  }
+  return bytes;
 }
 
-bool isMpeg4(const ByteVector& firstAtom) {
-  constexpr std::array first = {"ftyp", "moov", "mdat", "wide", "free", "skip"};
-  return std::any_of(first.begin(), first.end(), [&](const char* name) { return firstAtom == name; });
-}
-
-void readTags(const std::filesystem::path& path, MediaTags& tags) {
-  if (!std::filesystem::is_regular_file(path)) return;
-  TagLib::FileStream file(path.c_str(), true);
-  if (!file.isOpen()) return;
-  const ByteVector head = file.readBlock(12);
-  const ByteVector family = head.mid(0, 4);
-  const ByteVector kind = head.mid(8, 4);
-  if (isFlac(file, head)) return readFlacTags(file, tags);
-  if ((family == "RIFF" || family == "RF64" || family == "BW64") && kind == "WAVE")
-    return readWaveTags(file, tags);
-  if (family == "FORM" && (kind == "AIFF" || kind == "AIFC")) return readAiffTags(file, tags);
-  readId3(file, 0, tags);
-  if (isMpeg4(head.mid(4, 4))) readMpeg4Tags(file, tags);
-  if (!isComplete(tags.own)) readInfo(path, tags);
+/// The picture as it was before it came into the tag.
+std::string encodedPicture(const FileHandle& handle, const StoredPicture& picture) {
+  std::string stored(static_cast<std::size_t>(picture.size), '\0');
+  stored.resize(handle.readAt(picture.offset, stored.data(), stored.size()));
+  switch (picture.form) {
+    case StoredPicture::Form::plain:
+      break;
+    case StoredPicture::Form::escaped:
+      unescape(stored);
+      break;
+    case StoredPicture::Form::base64:
+      return fromBase64(stored);
+    case StoredPicture::Form::base64Block: {
+      const std::string block = fromBase64(stored);
+      const auto [offset, size] = pictureInBlock(block, std::ssize(block));
+      return block.substr(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
+    }
+  }
+  return stored;
 }
 
 }  // namespace
 
 MediaTags readMediaTags(const std::filesystem::path& path) {
-  MediaTags tags;
+  FoundTags tags;
   try {
-    readTags(path, tags);
+    const FileHandle handle = FileHandle::openOrdinaryFile(path);
+    TagFile file(handle);
+    if (!readTags(file, tags)) readInfo(handle, tags.texts.info);
   } catch (const std::exception&) {  // what was found until then counts
   }
-  return tags;
+  return tags.texts;
+}
+
+void eachPicture(const std::filesystem::path& path, const std::function<bool(const std::string&)>& take) {
+  std::int64_t bytesLeft = std::int64_t{128} << 20;
+  try {
+    const FileHandle handle = FileHandle::openOrdinaryFile(path);
+    TagFile file(handle);
+    FoundTags tags;
+    readTags(file, tags);
+    for (const StoredPicture& picture : tags.pictures) {
+      if (picture.size <= 0 || picture.size > bytesLeft) continue;
+      bytesLeft -= picture.size;
+      if (take(encodedPicture(handle, picture))) return;
+    }
+  } catch (const std::exception&) {  // what was found until then counts
+  }
 }
 
 }  // namespace zarnet

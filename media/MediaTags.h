@@ -5,8 +5,9 @@
 
 namespace zarnet {
 
-/// The three tags that Zarnet shows, as one kind of source states them: every value in the order of the file,
-/// valid UTF-8, otherwise as it is stored (white space, control characters and empty texts included).
+/// The three tags that Zarnet shows, as one kind of source states them: values in the order of the file,
+/// valid UTF-8, otherwise as they are stored (white space and control characters included). A text ends after
+/// 4,096 characters; of a hundred values the rest is left out.
 struct TagFields {
   std::vector<std::string> title;
   std::vector<std::string> artist;
@@ -20,8 +21,6 @@ struct MediaTags {
   TagFields own;   ///< the container's own fields: Vorbis comments, MPEG-4 items
   TagFields id3;   ///< ID3v2 frames TIT2, TPE1 and TALB, wherever they sit
   TagFields info;  ///< plain info keys: RIFF INFO, AIFF text chunks, the dictionary of any other container
-  std::vector<std::string> pictures;  ///< encoded pictures as they are stored, `own` before `id3`, each in
-                                      ///< the order of the file whatever kind of cover they claim to be
 };
 
 }  // namespace zarnet

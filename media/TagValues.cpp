@@ -1,8 +1,5 @@
 #include "media/TagValues.h"
 
-#include <cstdint>
-#include <utility>
-
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
 
@@ -10,11 +7,8 @@ namespace zarnet {
 
 namespace {
 
-std::string decoded(std::string_view bytes, const char* encoding) {
-  std::string text;
-  icu::UnicodeString(bytes.data(), static_cast<std::int32_t>(bytes.size()), encoding).toUTF8String(text);
-  return text;
-}
+constexpr std::size_t mostCharacters = 4096;
+constexpr std::size_t mostValues = 100;
 
 bool isUTF8(std::string_view bytes) {
   UErrorCode status = U_ZERO_ERROR;
@@ -22,25 +16,32 @@ bool isUTF8(std::string_view bytes) {
   return status != U_INVALID_CHAR_FOUND;
 }
 
+/// The first characters of a text in UTF-8.
+std::string_view withinLimit(std::string_view text) {
+  std::size_t characters = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool continues = (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
+    if (!continues && ++characters > mostCharacters) return text.substr(0, i);
+  }
+  return text;
+}
+
 }  // namespace
 
-void appendText(std::vector<std::string>& texts, std::string text) {
-  if (text.size() <= longestText) texts.push_back(std::move(text));
+std::string decoded(std::string_view bytes, const char* encoding) {
+  std::string text;
+  icu::UnicodeString(bytes.data(), static_cast<std::int32_t>(bytes.size()), encoding).toUTF8String(text);
+  return text;
 }
 
-void appendText(std::vector<std::string>& texts, const TagLib::ByteVector& bytes, const char* otherwise) {
-  if (bytes.size() > longestText) return;
-  std::string_view text(bytes.data(), bytes.size());
-  text = text.substr(0, text.find('\0'));
-  appendText(texts, isUTF8(text) ? std::string(text) : decoded(text, otherwise));
+void appendText(std::vector<std::string>& texts, std::string_view text) {
+  if (!text.empty() && texts.size() < mostValues) texts.emplace_back(withinLimit(text));
 }
 
-void appendUTF16(std::vector<std::string>& texts, const TagLib::ByteVector& bytes) {
-  if (bytes.size() <= longestText) appendText(texts, decoded({bytes.data(), bytes.size()}, "UTF-16BE"));
-}
-
-void appendPicture(std::vector<std::string>& pictures, const TagLib::ByteVector& bytes) {
-  if (bytes.size() <= largestPicture) pictures.emplace_back(bytes.data(), bytes.size());
+void appendText(std::vector<std::string>& texts, std::string_view bytes, const char* otherwise) {
+  const std::string_view text = withinLimit(bytes.substr(0, bytes.find('\0')));
+  if (isUTF8(text)) return appendText(texts, text);
+  appendText(texts, decoded(text, otherwise));
 }
 
 }  // namespace zarnet

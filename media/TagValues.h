@@ -1,32 +1,50 @@
 #pragma once
 
+#include "media/MediaTags.h"
+
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <taglib/tbytevector.h>
-
 namespace zarnet {
 
-// Values on their way from a file into `MediaTags`: what is over its limits is left out.
+// Values on their way from a file into `MediaTags`.
 
-constexpr std::size_t longestText = std::size_t{1} << 20;
-constexpr std::size_t largestPicture = std::size_t{64} << 20;
+/// As much of a stored text as can count: every encoding has at most four bytes for a character.
+constexpr std::int64_t longestText = 4 * 4096;
 
-/// What texts that are not UTF-8 mostly are.
+/// What texts that are not UTF-8 mostly are, as ICU names it.
 constexpr const char* windowsText = "windows-1252";
 
-/// Appends a text of valid UTF-8.
-void appendText(std::vector<std::string>& texts, std::string text);
+/// The text that `bytes` hold in the encoding that ICU knows by that name, as valid UTF-8.
+std::string decoded(std::string_view bytes, const char* encoding);
+
+/// Appends a text of valid UTF-8, unless it is empty.
+void appendText(std::vector<std::string>& texts, std::string_view text);
 
 /// Appends the text that `bytes` hold before the first NUL: UTF-8 when they are valid UTF-8, else in the
 /// encoding that ICU knows by the name `otherwise`.
-void appendText(std::vector<std::string>& texts, const TagLib::ByteVector& bytes, const char* otherwise);
+void appendText(std::vector<std::string>& texts, std::string_view bytes, const char* otherwise);
 
-/// Appends a text in UTF-16 of the big-endian kind.
-void appendUTF16(std::vector<std::string>& texts, const TagLib::ByteVector& bytes);
+/// Where a file holds an encoded picture.
+struct StoredPicture {
+  enum class Form {
+    plain,
+    escaped,      ///< with a zero behind each 0xFF
+    base64Block,  ///< the body of a FLAC picture block as base64
+    base64,
+  };
 
-/// Appends an encoded picture.
-void appendPicture(std::vector<std::string>& pictures, const TagLib::ByteVector& bytes);
+  std::int64_t offset = 0;
+  std::int64_t size = 0;  ///< bytes in the file
+  Form form = Form::plain;
+};
+
+/// What the readers of the several kinds of tags fill.
+struct FoundTags {
+  MediaTags texts;
+  std::vector<StoredPicture> pictures;
+};
 
 }  // namespace zarnet

@@ -1,7 +1,6 @@
 #include "model/SongImport.h"
 
 #include "audio/AudioInfo.h"
-#include "media/MediaTagReader.h"
 #include "model/TrackMetadata.h"
 #include "system/FileSystem.h"
 #include "system/UserError.h"
@@ -12,8 +11,7 @@ namespace {
 
 Song importedSong(const std::filesystem::path& url) {
   const AudioInfo info = inspectAudio(url);
-  const MediaTags tags = readMediaTags(url);
-  const TrackMetadata metadata = trackMetadata(tags, url);
+  const TrackMetadata metadata = importedTrackMetadata(url);
   Song song;
   song.id = standardized(absolutePath(url)).native();
   song.url = url;
@@ -23,7 +21,7 @@ Song importedSong(const std::filesystem::path& url) {
   song.trackTitle = metadata.title;
   song.artist = metadata.artist;
   song.album = metadata.album;
-  song.artwork = trackArtwork(tags);
+  song.artwork = importedTrackArtwork(url);
   return song;
 }
 

@@ -4,6 +4,8 @@
 #include "media/MediaTagReader.h"
 #include "system/DisplayText.h"
 
+#include <chrono>
+#include <string>
 #include <vector>
 
 namespace zarnet {
@@ -46,19 +48,18 @@ TrackMetadata trackMetadata(const MediaTags& tags, const std::filesystem::path& 
           value(tags, &TagFields::album)};
 }
 
-std::optional<QImage> trackArtwork(const MediaTags& tags) {
-  for (const std::string& picture : tags.pictures) {
-    if (std::optional<QImage> image = thumbnail(picture, artworkSide)) return image;
-  }
-  return std::nullopt;
-}
-
 TrackMetadata importedTrackMetadata(const std::filesystem::path& url) {
   return trackMetadata(readMediaTags(url), url);
 }
 
 std::optional<QImage> importedTrackArtwork(const std::filesystem::path& url) {
-  return trackArtwork(readMediaTags(url));
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+  std::optional<QImage> artwork;
+  eachPicture(url, [&](const std::string& encoded) {
+    artwork = thumbnail(encoded, artworkSide);
+    return artwork || std::chrono::steady_clock::now() > end;
+  });
+  return artwork;
 }
 
 }  // namespace zarnet

@@ -25,14 +25,12 @@ struct TrackMetadata {
 /// and trims white space at both ends. Never fails: what cannot be read is absent. Any thread, not for the
 /// interface's.
 TrackMetadata importedTrackMetadata(const std::filesystem::path& url);
-/// The same from the tags of the file `url` that have been read already.
+/// The same from the tags of the file `url`.
 TrackMetadata trackMetadata(const MediaTags& tags, const std::filesystem::path& url);
 
 /// The first picture in a file's tags that can be decoded, in the order of the file, as a thumbnail of at
-/// most 256 pixels along its longer side, upright and never enlarged. None when there is no such picture.
-/// Never fails. Any thread, not for the interface's.
+/// most 256 pixels along its longer side, upright and never enlarged. None when there is no such picture, or
+/// when two seconds have gone into pictures that are none. Never fails. Any thread, not for the interface's.
 std::optional<QImage> importedTrackArtwork(const std::filesystem::path& url);
-/// The same from tags that have been read already.
-std::optional<QImage> trackArtwork(const MediaTags& tags);
 
 }  // namespace zarnet

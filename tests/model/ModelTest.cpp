@@ -91,9 +91,9 @@ TEST(TrackMetadata, IsTheFirstTextThatIsLeftOfTheContainersFieldsThenID3ThenPlai
   const TagFields id3{{"id3"}, {"id3"}, {"\n"}};
   const TagFields info{{"info"}, {"info"}, {"info"}};
   const std::pair<MediaTags, TrackMetadata> cases[] = {
-      {{{{" ", "second"}, {"\u200b\x01"}, {"  \u2028 "}}, id3, info, {}}, {"second", "id3", "info"}},
-      {{{{"\t"}, {""}, {}}, {}, {}, {}}, {"Name", std::nullopt, std::nullopt}},
-      {{{{"Live\r\nVersion"}, {"\u00a0 \tzero\u200dwidth\u3000"}, {"tagged\U000e0041🎧"}}, {}, {}, {}},
+      {{{{" ", "second"}, {"\u200b\x01"}, {"  \u2028 "}}, id3, info}, {"second", "id3", "info"}},
+      {{{{"\t"}, {""}, {}}, {}, {}}, {"Name", std::nullopt, std::nullopt}},
+      {{{{"Live\r\nVersion"}, {"\u00a0 \tzero\u200dwidth\u3000"}, {"tagged\U000e0041🎧"}}, {}, {}},
        {"Live  Version", "zero width", "tagged 🎧"}},
   };
   for (const auto& [tags, expected] : cases) {
