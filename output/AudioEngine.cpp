@@ -1,5 +1,6 @@
 #include "output/AudioEngine.h"
 
+#include "output/OutputWatch.h"
 #include "system/Interleaving.h"
 #include "system/PlatformError.h"
 
@@ -21,7 +22,7 @@ constexpr std::int64_t planeFrames = 2048;                  // rendered in one c
 constexpr pa_usec_t latency = 40 * PA_USEC_PER_MSEC;        // kept in the server's buffer
 constexpr pa_usec_t startLimit = 2'400 * PA_USEC_PER_MSEC;  // the rest of 2.5 s is for clearing up
 constexpr const char* dummyOutput = "auto_null";            // stands in where there is no device
-constexpr const char* undecidedOutput = "@DEFAULT_SINK@";   // named for a moment while devices change
+constexpr const char* applicationID = "org.zarnet.Zarnet";  // that of the desktop entry
 constexpr const char* changedWhileOpening = "The output changed while it was being opened";
 
 struct Release {
@@ -78,12 +79,14 @@ class Session {
   void connectStream();
   void begin();
   template <typename Condition>
-  void waitUntil(Condition condition);
+  void waitUntil(Condition condition, const char* reason = "The audio server does not answer");
   PlatformError failure(const std::string& reason) const;
 
   void changed(pa_subscription_event_type_t event, std::uint32_t index);
-  void compareDefault(const pa_server_info* info);
-  void comparePort(const pa_sink_info* info);
+  void reportDefault(const pa_server_info* info);
+  void reportPort(const pa_sink_info* info);
+  void reportSleep();
+  void report(const OutputReport& told);
   void lost();
   void write(std::size_t bytes);
   void wake() { pa_threaded_mainloop_signal(loop.get(), 0); }
@@ -99,8 +102,7 @@ class Session {
   bool expired = false;
   bool serverKnown = false;
   bool portKnown = false;
-  std::string defaultSink;  // at the start; empty while undecided
-  std::string activePort;   // of our sink at the start; empty where it has none
+  OutputWatch watch;
   std::atomic<Phase> phase = Phase::starting;
 };
 
@@ -147,11 +149,12 @@ PlatformError Session::failure(const std::string& reason) const {
   return unavailable(reason + ": " + pa_strerror(pa_context_errno(context.get())));
 }
 
-/// Waits until `condition` holds, `lost` was called or the deadline of the whole start has passed.
+/// Waits until `condition` holds. Raises when `lost` was called, or when the deadline of the whole start has
+/// passed, for which `reason` is given.
 template <typename Condition>
-void Session::waitUntil(Condition condition) {
+void Session::waitUntil(Condition condition, const char* reason) {
   while (!condition()) {
-    if (expired) throw unavailable("The audio server does not answer");
+    if (expired) throw unavailable(reason);
     if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context.get()))) throw failure("The audio server has gone");
     if (phase == Phase::over) throw unavailable(changedWhileOpening);
     pa_threaded_mainloop_wait(loop.get());
@@ -160,6 +163,8 @@ void Session::waitUntil(Condition condition) {
 
 void Session::connectContext(const std::string& server) {
   const Owned<pa_proplist> properties(pa_proplist_new());
+  // With the identifier, and without a media role, what servers remember (volume, mute, device) is our own.
+  pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, applicationID);
   pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Zarnet");
   pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "zarnet");
   context.reset(
@@ -175,7 +180,8 @@ void Session::connectContext(const std::string& server) {
   pa_context_set_state_callback(
       context.get(),
       [](pa_context* changing, void* data) {
-        if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(changing))) self(data).lost();
+        if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(changing)))
+          self(data).report({OutputReport::Kind::ended, {}});
         self(data).wake();
       },
       this);
@@ -201,7 +207,7 @@ void Session::learnOutput() {
   unwatched(pa_context_get_server_info(
       context.get(),
       [](pa_context*, const pa_server_info* info, void* data) {
-        self(data).compareDefault(info);
+        self(data).reportDefault(info);
         self(data).serverKnown = true;
         self(data).wake();
       },
@@ -211,32 +217,32 @@ void Session::learnOutput() {
 
 /// Opens a corked stream on the output and notes which port of it is active.
 void Session::connectStream() {
-  const Owned<pa_proplist> properties(pa_proplist_new());
-  pa_proplist_sets(properties.get(), PA_PROP_MEDIA_ROLE, "music");
-  stream.reset(pa_stream_new_with_proplist(context.get(), "Playback", &format, nullptr, properties.get()));
+  stream.reset(pa_stream_new(context.get(), "Playback", &format, nullptr));
   if (stream == nullptr) throw failure("The audio server refused the stream");
   pa_stream_set_state_callback(
       stream.get(),
       [](pa_stream* changing, void* data) {
-        if (!PA_STREAM_IS_GOOD(pa_stream_get_state(changing))) self(data).lost();
+        if (!PA_STREAM_IS_GOOD(pa_stream_get_state(changing)))
+          self(data).report({OutputReport::Kind::ended, {}});
         self(data).wake();
       },
       this);
   pa_stream_set_write_callback(
       stream.get(), [](pa_stream*, std::size_t bytes, void* data) { self(data).write(bytes); }, this);
   pa_stream_set_moved_callback(
-      stream.get(), [](pa_stream*, void* data) { self(data).lost(); }, this);
-  pa_stream_set_suspended_callback(
       stream.get(),
-      [](pa_stream* changing, void* data) {
-        if (pa_stream_is_suspended(changing) > 0) self(data).lost();
+      [](pa_stream*, void* data) {
+        self(data).report({OutputReport::Kind::moved, {}});
       },
       this);
+  pa_stream_set_suspended_callback(
+      stream.get(), [](pa_stream*, void* data) { self(data).reportSleep(); }, this);
   constexpr auto automatic = static_cast<std::uint32_t>(-1);
   const pa_buffer_attr attributes = {automatic,
                                      static_cast<std::uint32_t>(pa_usec_to_bytes(latency, &format)),
                                      automatic, automatic, automatic};
-  // Without DONT_MOVE a few milliseconds can be heard on the next output before the stream is corked.
+  // Without DONT_MOVE the server plays what it holds on the next output before the stream can be corked. So
+  // it is also refused when a mixer tries to move the stream.
   const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE |
                                                     PA_STREAM_INTERPOLATE_TIMING | PA_STREAM_START_CORKED |
                                                     PA_STREAM_DONT_MOVE);
@@ -245,13 +251,14 @@ void Session::connectStream() {
     waitUntil([&] { return state() == PA_STREAM_READY || !PA_STREAM_IS_GOOD(state()); });
   }
   if (state() != PA_STREAM_READY) throw failure("The audio server refused the stream");
-  if (text(pa_stream_get_device_name(stream.get())) == dummyOutput) {
-    throw unavailable("There is no output device");
-  }
+  const std::string device = text(pa_stream_get_device_name(stream.get()));
+  if (device == dummyOutput) throw unavailable("There is no output device");
+  report({OutputReport::Kind::opened, device, pa_stream_get_device_index(stream.get())});
+  reportSleep();
   unwatched(pa_context_get_sink_info_by_index(
       context.get(), pa_stream_get_device_index(stream.get()),
       [](pa_context*, const pa_sink_info* info, int end, void* data) {
-        self(data).comparePort(info);
+        self(data).reportPort(info);
         self(data).portKnown = end != 0;
         self(data).wake();
       },
@@ -259,11 +266,13 @@ void Session::connectStream() {
   waitUntil([&] { return portKnown; });
 }
 
-/// Lets the stream sound, unless the output has changed since it was opened.
+/// Lets the stream sound, unless the output has changed since it was opened. An output that sleeps because
+/// nobody used it wakes up now; one that somebody put to sleep does not.
 void Session::begin() {
+  unwatched(pa_stream_cork(stream.get(), 0, nullptr, nullptr));
+  waitUntil([&] { return watch.isAwake(); }, "The output is suspended");
   auto expected = Phase::starting;
   if (!phase.compare_exchange_strong(expected, Phase::running)) throw unavailable(changedWhileOpening);
-  unwatched(pa_stream_cork(stream.get(), 0, nullptr, nullptr));
 }
 
 void Session::changed(pa_subscription_event_type_t event, std::uint32_t index) {
@@ -272,30 +281,33 @@ void Session::changed(pa_subscription_event_type_t event, std::uint32_t index) {
   if (facility == PA_SUBSCRIPTION_EVENT_SERVER) {
     unwatched(pa_context_get_server_info(
         context.get(),
-        [](pa_context*, const pa_server_info* info, void* data) { self(data).compareDefault(info); }, this));
-  } else if (facility == PA_SUBSCRIPTION_EVENT_SINK && portKnown &&
-             index == pa_stream_get_device_index(stream.get())) {
-    if (kind == PA_SUBSCRIPTION_EVENT_REMOVE) return lost();
+        [](pa_context*, const pa_server_info* info, void* data) { self(data).reportDefault(info); }, this));
+  } else if (facility == PA_SUBSCRIPTION_EVENT_SINK) {
+    if (kind == PA_SUBSCRIPTION_EVENT_REMOVE) return report({OutputReport::Kind::removed, {}, index});
     unwatched(pa_context_get_sink_info_by_index(
         context.get(), index,
-        [](pa_context*, const pa_sink_info* info, int, void* data) { self(data).comparePort(info); }, this));
+        [](pa_context*, const pa_sink_info* info, int, void* data) { self(data).reportPort(info); }, this));
   }
 }
 
-/// Notes the default sink, or notices that another one has become it.
-void Session::compareDefault(const pa_server_info* info) {
-  const std::string name = info == nullptr ? "" : text(info->default_sink_name);
-  if (name.empty() || name == undecidedOutput) return;
-  if (defaultSink.empty()) defaultSink = name;
-  if (name != defaultSink) lost();
+void Session::reportDefault(const pa_server_info* info) {
+  if (info != nullptr) report({OutputReport::Kind::defaultOutput, text(info->default_sink_name)});
 }
 
-/// Notes the active port of our sink, or notices that another one has become it (headphones were pulled).
-void Session::comparePort(const pa_sink_info* info) {
+void Session::reportPort(const pa_sink_info* info) {
   if (info == nullptr) return;
   const std::string port = info->active_port == nullptr ? "" : text(info->active_port->name);
-  if (!portKnown) activePort = port;
-  if (port != activePort) lost();
+  report({OutputReport::Kind::activePort, port, info->index});
+}
+
+void Session::reportSleep() {
+  const bool sleeps = pa_stream_is_suspended(stream.get()) > 0;
+  report({sleeps ? OutputReport::Kind::suspended : OutputReport::Kind::awake, {}});
+}
+
+void Session::report(const OutputReport& told) {
+  wake();
+  if (watch.isLost(told)) lost();
 }
 
 /// The one end that a session comes to by itself: what is left in the stream's buffer is not heard any more.

@@ -43,7 +43,7 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   std::atomic<bool> done = false;
   std::thread changes([&] {
     for (int i = 0; !done; ++i)
-      server.setDefaultSink(i % 2 == 0 ? "second" : "first");
+      server.control(i % 2 == 0 ? "set-default-sink second" : "set-default-sink first");
   });
   std::string reason;
   EXPECT_TRUE(waitUntil([&] {
@@ -55,6 +55,56 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   EXPECT_EQ(reason, "No audio output is available. The output changed while it was being opened.");
   done = true;
   changes.join();
+}
+
+TEST(AudioEngine, LeavesNothingForTheServerToTakeFromOtherPrograms) {
+  const SoundServer server;
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect([](bool&, std::span<float* const>, std::int64_t) {}, [](std::uint64_t) {});
+  engine->start(1);
+  const std::string streams = server.control("list sink-inputs");
+  EXPECT_NE(streams.find("application.id = \"org.zarnet.Zarnet\""), streams.npos) << streams;
+  EXPECT_EQ(streams.find("media.role"), streams.npos) << streams;
+}
+
+TEST(AudioEngine, StaysOnAnOutputThatIsNotTheDefaultOneWhenThatChanges) {
+  const SoundServer server({"first", "second", "third"});
+  std::atomic<std::int64_t> pulled = 0;
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect([&](bool&, std::span<float* const>, std::int64_t frames) { pulled += frames; },
+                  [](std::uint64_t) {});
+  setenv("PULSE_SINK", "second", 1);
+  engine->start(1);
+  unsetenv("PULSE_SINK");
+  server.setDefaultSink("third");
+  const std::int64_t end = pulled + 24'000;
+  EXPECT_TRUE(waitUntil([&] { return pulled >= end; }));
+  EXPECT_TRUE(engine->isRunning());
+  server.removeSink("second");
+  EXPECT_TRUE(waitUntil([&] { return !engine->isRunning(); }));
+}
+
+TEST(AudioEngine, WakesAnOutputThatSleepsAndGivesUpOnOneThatMaySleepOn) {
+  const SoundServer server;
+  std::atomic<std::int64_t> pulled = 0;
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect([&](bool&, std::span<float* const>, std::int64_t frames) { pulled += frames; },
+                  [](std::uint64_t) {});
+  if (!SoundServer::isPipeWire()) {  // there every output that is played on wakes up
+    server.control("suspend-sink null 1");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(failureOf<PlatformError>([&] { engine->start(1); }),
+              "No audio output is available. The output is suspended.");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(2500));
+    EXPECT_EQ(pulled, 0);
+    server.control("suspend-sink null 0");
+    server.control("load-module module-suspend-on-idle timeout=1");
+  }
+  EXPECT_TRUE(
+      waitUntil([&] { return server.control("list short sinks").find("SUSPENDED") != std::string::npos; }));
+  engine->start(2);
+  EXPECT_TRUE(waitUntil([&] { return pulled > 0; }));
+  EXPECT_TRUE(engine->isRunning());
 }
 
 }  // namespace zarnet::test
