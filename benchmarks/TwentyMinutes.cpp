@@ -14,7 +14,7 @@ namespace {
 
 struct NoiseFile {
   NoiseFile() : folder(temporaryFolder() / ("zarnet-benchmark-" + newUUID())), path(folder / "noise.caf") {
-    createPrivateFolder(folder);
+    createFolders(folder);
     AudioFileWriter writer(path, 48000);
     std::vector<float> left(48'000);
     std::vector<float> right(48'000);

@@ -6,22 +6,28 @@
 #include "system/FileHandle.h"
 #include "system/FileSystem.h"
 #include "system/TextTail.h"
-#include "system/UUID.h"
 
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace zarnet {
 
 namespace {
 
-constexpr std::size_t tailCharacters = 650;  // of a failed program's log, shown to the user
+constexpr std::string_view prefix = "Brevolt-";  // of a workspace's name
+constexpr std::size_t tailCharacters = 650;      // of a failed program's log, shown to the user
 
 }  // namespace
 
 AudioPreparer::AudioPreparer(std::filesystem::path encoder)
-    : directory(temporaryFolder() / ("Brevolt-" + newUUID())), lame(std::move(encoder)) {
-  createPrivateFolder(directory);
+    : AudioPreparer(HeldFolder::create(temporaryFolder(), prefix), std::move(encoder)) {}
+
+AudioPreparer::AudioPreparer(HeldFolder created, std::filesystem::path encoder)
+    : directory(created.path()), lame(std::move(encoder)), workspace(std::move(created)) {
+  sweeper = std::jthread([place = directory.parent_path()](const std::stop_token& stop) {
+    removeAbandonedFolders(place, prefix, stop);
+  });
 }
 
 AudioPreparer::~AudioPreparer() {

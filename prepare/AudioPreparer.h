@@ -1,12 +1,14 @@
 #pragma once
 
 #include "prepare/PreparedAudio.h"
+#include "system/HeldFolder.h"
 #include "system/Mutex.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zarnet {
@@ -25,7 +27,8 @@ class AudioPreparer {
   using Progress = std::function<void(const std::string&)>;
 
   /// Creates the workspace, a folder named "Brevolt-" and a new UUID in the temporary folder, or raises
-  /// `PlatformError`. `lame` is the MP3 encoder's program; "vorbis-tool" and, on a system without
+  /// `PlatformError`. Workspaces there that processes of this user left behind when they were killed are
+  /// removed in the background. `lame` is the MP3 encoder's program; "vorbis-tool" and, on a system without
   /// /usr/bin/afconvert, "afconvert" lie in the same folder. None of them is examined before it is run.
   explicit AudioPreparer(std::filesystem::path lame);
   /// Removes the workspace with all its content, ignoring failures. No `prepare` or `run` may be in progress.
@@ -38,7 +41,8 @@ class AudioPreparer {
   /// beside them.
   ///
   /// `id` names the conversion folder and must be one plain name; a second call with the same `id` reuses
-  /// what lies there complete. `codec` is "AAC", "MP3" or "Ogg Vorbis", `bitrate` one of its bitrates in kbps
+  /// what lies there complete. A workspace that is gone is made anew. `codec` is "AAC", "MP3" or "Ogg
+  /// Vorbis", `bitrate` one of its bitrates in kbps
   /// (`acceptedBitrates`), else `AppError` "Choose a supported format and bitrate.". `progress` is called on
   /// this thread with a short status line.
   ///
@@ -69,16 +73,20 @@ class AudioPreparer {
   void discardConversion(const std::filesystem::path& at);
 
   /// Removes everything inside the workspace, not the workspace itself. Stops at the first failure and raises
-  /// it.
+  /// it; that the workspace is gone is one.
   void clearTemporaryFiles();
 
   const std::filesystem::path directory;  ///< the workspace
   const std::filesystem::path lame;
 
  private:
+  AudioPreparer(HeldFolder workspace, std::filesystem::path lame);
+
+  HeldFolder workspace;  ///< `directory`
   Mutex processLock;
   ChildProcess* process GUARDED_BY(processLock) = nullptr;  ///< the child that `run` waits for
   bool cancelled GUARDED_BY(processLock) = false;
+  std::jthread sweeper;
 };
 
 }  // namespace zarnet

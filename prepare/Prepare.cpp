@@ -127,12 +127,12 @@ class Conversion {
 
 /// Creates the folder of a conversion. An identifier that names anything but an entry of the workspace would
 /// let a failed preparation remove what is not its own.
-void createConversionFolder(const std::filesystem::path& workspace, const std::string& id) {
+void createConversionFolder(HeldFolder& workspace, const std::string& id) {
   if (id.empty() || id == "." || id == ".." || id.find('/') != std::string::npos ||
       id.find('\0') != std::string::npos)
     throw PlatformError("A conversion folder cannot be named “" + displayText(id) + "”.");
-  if (!fileExists(workspace)) createPrivateFolder(workspace);
-  createFolders(workspace / id);
+  workspace.renew();
+  createFolders(workspace.path() / id);
 }
 
 }  // namespace
@@ -143,7 +143,7 @@ PreparedAudio AudioPreparer::prepare(const std::filesystem::path& url, const std
   const AudioInfo info = inspectAudio(url);
   if (!isAccepted(codec, bitrate)) throw AppError("Choose a supported format and bitrate.");
   const Conversion conversion(*this, id, codec, bitrate);
-  createConversionFolder(directory, id);
+  createConversionFolder(workspace, id);
   Transient folder(conversion.folder);
 
   progress("Preparing audio…");

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include <stdio.h>
-#include <sys/stat.h>
 
 namespace zarnet {
 
@@ -22,11 +21,6 @@ std::filesystem::path withoutTrailingSeparators(const std::filesystem::path& pat
 std::filesystem::path temporaryFolder() {
   const char* chosen = std::getenv("TMPDIR");
   return absolutePath(chosen != nullptr && *chosen != '\0' ? chosen : P_tmpdir);
-}
-
-void createPrivateFolder(const std::filesystem::path& path) {
-  if (path.has_parent_path()) createFolders(path.parent_path());
-  if (mkdir(path.c_str(), 0700) != 0) throw systemError(path, "could not be created", errno);
 }
 
 void createFolders(const std::filesystem::path& path) {

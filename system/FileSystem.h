@@ -11,10 +11,6 @@ namespace zarnet {
 /// The folder for temporary files: $TMPDIR when it is set and not empty, else the system's.
 std::filesystem::path temporaryFolder();
 
-/// Creates a folder that only its owner may enter (mode 0700), with missing parents in the default mode.
-/// Raises when it cannot be created or exists already.
-void createPrivateFolder(const std::filesystem::path& path);
-
 /// Creates a folder with its missing parents, in the default mode; one that exists already is no error.
 void createFolders(const std::filesystem::path& path);
 

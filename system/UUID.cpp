@@ -14,4 +14,12 @@ std::string newUUID() {
   return text.data();
 }
 
+bool isUUID(std::string_view text) {
+  uuid_t identity;
+  if (text.size() != UUID_STR_LEN - 1 || uuid_parse(std::string(text).c_str(), identity) != 0) return false;
+  std::array<char, UUID_STR_LEN> canonical;
+  uuid_unparse_upper(identity, canonical.data());
+  return text == canonical.data();
+}
+
 }  // namespace zarnet

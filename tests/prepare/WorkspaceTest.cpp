@@ -1,14 +1,72 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
 #include "system/FileSystem.h"
+#include "system/UUID.h"
 #include "tests/support/Failures.h"
 #include "tests/support/ScratchFolder.h"
+#include "tests/support/Wait.h"
+
+#include <cstdlib>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 namespace zarnet {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+/// Another temporary folder for this process.
+class TemporaryFolder {
+ public:
+  explicit TemporaryFolder(const fs::path& path) { setenv("TMPDIR", path.c_str(), 1); }
+  ~TemporaryFolder() { before.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", before.c_str(), 1); }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+ private:
+  const std::string before = getenv("TMPDIR") == nullptr ? "" : getenv("TMPDIR");
+};
+
+}  // namespace
+
+TEST(Workspace, GoesWithTheNextStartWhenItsProcessWasKilled) {
+  const test::ScratchFolder scratch;
+  const TemporaryFolder temporary(scratch.path());
+  const AudioPreparer living("/nowhere/lame");
+  const fs::path left = scratch / ("Brevolt-" + newUUID());
+  const fs::path link = scratch / ("Brevolt-" + newUUID());
+  const fs::path kept[] = {scratch / "Brevolt-notes", scratch / ("Other-" + newUUID()), living.directory,
+                           scratch / "elsewhere" / ("Brevolt-" + newUUID())};
+  for (const fs::path& folder : kept)
+    createFolders(folder / "content");
+  fs::create_directory_symlink(kept[0], link);
+  createFolders(left / "id");
+  test::writeFile(left / "id" / "original.wav", "content");
+  const AudioPreparer next("/nowhere/lame");
+  EXPECT_TRUE(test::waitUntil([&] { return !fs::exists(left); }));
+  removeAbandonedFolders(scratch.path(), "Brevolt-", {});  // the background may have got no further
+  for (const fs::path& folder : kept)
+    EXPECT_TRUE(fs::exists(folder / "content")) << folder;
+  EXPECT_TRUE(fs::is_symlink(link));
+}
+
+TEST(Workspace, OfALivingProcessIsNeverTouched) {
+  const test::ScratchFolder scratch;
+  const TemporaryFolder temporary(scratch.path());
+  std::vector<std::jthread> starts;
+  for (int thread = 0; thread < 8; ++thread) {
+    starts.emplace_back([] {
+      for (int start = 0; start < 50; ++start) {
+        AudioPreparer preparer("/nowhere/lame");
+        preparer.run("/bin/true", {});  // its log lies in the workspace
+      }
+    });
+  }
+  starts.clear();
+  EXPECT_TRUE(fs::is_empty(scratch.path()));
+}
 
 TEST(Workspace, DiscardsOnlyAConversionFolderOfItsOwn) {
   AudioPreparer preparer("/nowhere/lame");

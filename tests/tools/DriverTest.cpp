@@ -1,5 +1,5 @@
-#include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
+#include "tests/support/StandIns.h"
 
 #include <csignal>
 #include <fstream>
@@ -132,6 +132,21 @@ TEST(Driver, LeavesNothingBehindWhenASignalStopsIt) {
     EXPECT_EQ(entries(scratch.path()), "child\nerrors\nresources\ntake.wav\n");
     EXPECT_EQ(readFile(scratch / "errors"), "take.wav:\nPreparing audio…\nCancelled\n");
   }
+}
+
+TEST(Driver, GoesOnWhenItsWorkspaceVanishes) {
+  const ScratchFolder scratch;
+  const StandIns programs;
+  programs.replace("afconvert", R"([ -e gone ] || { touch gone; rm -r "$TMPDIR"/Brevolt-*; }; real "$@")");
+  for (const char* const name : {"one.wav", "two.wav"})
+    writeTake(scratch / name);
+  const ProgramResult result = runProgram(
+      driverLine(scratch, "--resources " + programs.lame().parent_path().string() + " one.wav two.wav"));
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, testing::ContainsRegex("one.wav:\nPreparing audio…\n[^\n]*\ntwo.wav:\nPreparing "
+                                                    "audio…\nCreating the comparison…\nAligning"));
+  EXPECT_EQ(std::ranges::count(result.output, '{'), 1);
+  EXPECT_EQ(entries(scratch.path()), "gone\none.wav\ntwo.wav\n");
 }
 
 TEST(Driver, TakesItsProgramsAlongWhenItIsKilled) {

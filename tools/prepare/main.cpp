@@ -64,7 +64,7 @@ class Progress {
 /// Prepares one file and returns its check record. `keep` is the folder for the results, if they are wanted.
 std::string preparedRecord(AudioPreparer& preparer, const DriverOptions& options,
                            const std::filesystem::path& file, const std::filesystem::path* keep) {
-  preparer.clearTemporaryFiles();  // of the file before
+  if (fileExists(preparer.directory)) preparer.clearTemporaryFiles();  // of the file before
   const Results results(
       preparer.prepare(file, newUUID(), options.codec, options.bitrate, options.match, Progress())
           .encodedURL);
