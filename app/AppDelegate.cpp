@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/CloseRequests.h"
 #include "app/NativeRoot.h"
 #include "app/WindowFit.h"
 #include "app/screens/NativeAcknowledgements.h"
@@ -22,6 +23,7 @@
 #include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <cmath>
 
 namespace zarnet {
@@ -60,6 +62,7 @@ AppDelegate::~AppDelegate() {
   subscriptions.clear();
   resizing.stop();
   settings.reset();
+  closeRequests.reset();
   window.reset();
   if (model) model->window = nullptr;
 }
@@ -70,10 +73,12 @@ bool AppDelegate::applicationDidFinishLaunching() {
   try {
     model = std::make_unique<NativeModel>(resources);
   } catch (const std::exception& error) {
-    AlertSheet alert(nullptr, QStringLiteral("Unable to open Zarnet"),
-                     QString::fromStdString(errorDescription(error)), {QStringLiteral("OK")});
-    alert.setAttribute(Qt::WA_DeleteOnClose, false);
-    alert.exec();
+    launchAlert = std::make_unique<AlertSheet>(nullptr, QStringLiteral("Unable to open Zarnet"),
+                                               QString::fromStdString(errorDescription(error)),
+                                               QStringList(QStringLiteral("OK")));
+    launchAlert->setAttribute(Qt::WA_DeleteOnClose, false);
+    connect(launchAlert.get(), &QDialog::finished, this, &AppDelegate::quit);
+    launchAlert->open();
     return false;
   }
   animations = std::make_unique<PortalSetting>(
@@ -108,8 +113,12 @@ void AppDelegate::buildMenuBar() {
     showSettings();
   })->setIcon(symbolIcon(QStringLiteral("gearshape")));
   application->addSeparator();
-  item(application, QStringLiteral("Quit Zarnet"), QKeySequence(Qt::CTRL | Qt::Key_Q),
-       [] { QApplication::quit(); });
+  QAction* quitItem =
+      item(application, QStringLiteral("Quit Zarnet"), QKeySequence(Qt::CTRL | Qt::Key_Q), [] { quit(); });
+  // A sheet keeps the menu bar from being used, and this item with it, unless it has the item too.
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, [quitItem] {
+    if (QWidget* active = QApplication::activeWindow()) active->addAction(quitItem);
+  });
 
   QMenu* file = bar->addMenu(QStringLiteral("File"));
   importItem = item(file, QStringLiteral("Import Audio…"), QKeySequence(Qt::CTRL | Qt::Key_O),
@@ -138,7 +147,8 @@ void AppDelegate::buildWindow() {
   const int chrome = window->menuBar()->sizeHint().height();
   window->setFixedSize(contentWidth, contentHeight + chrome);
   connect(window.get(), &MainWindow::movedByUser, this, [this] { userMovedMainWindow = true; });
-  connect(window.get(), &MainWindow::closed, qApp, &QApplication::quit);
+  connect(window.get(), &MainWindow::closed, this, &AppDelegate::quit);
+  closeRequests = std::make_unique<CloseRequests>(*window, [] { quit(); });
 
   subscriptions.push_back(model->glass.subscribe([this](bool glass) { window->setBackdropVisible(glass); }));
   subscriptions.push_back(model->willChange.subscribe([this](const Property& property) {
@@ -194,6 +204,10 @@ bool AppDelegate::applicationShouldHandleReopen(bool) {
     bringToFront(*window);
   }
   return true;
+}
+
+void AppDelegate::quit() {
+  QApplication::exit();
 }
 
 void AppDelegate::applicationWillTerminate() {

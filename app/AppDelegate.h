@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/MainWindow.h"
-#include "app/WindowSheets.h"
+#include "app/sheets/WindowSheets.h"
 #include "desktop/PortalSetting.h"
 #include "desktop/Signal.h"
 #include "model/NativeModel.h"
@@ -17,6 +17,8 @@ class QAction;
 
 namespace zarnet {
 
+class AlertSheet;
+class CloseRequests;
 class NativeRoot;
 
 /// The application around the model: it builds the menu bar and the main window, keeps the window fitted to
@@ -28,11 +30,13 @@ class AppDelegate : public QObject {
   explicit AppDelegate(std::filesystem::path resources);
   ~AppDelegate() override;
 
-  /// Starts up: icon, model, menu bar, main window. When the model cannot be made it says so in an alert and
-  /// returns false; nothing else is built then.
+  /// Starts up: icon, model, menu bar, main window. When the model cannot be made it opens an alert that says
+  /// so and ends the event loop when it is dismissed, and returns false; nothing else is built then.
   bool applicationDidFinishLaunching();
   /// Brings the main window to the front; always true.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);
+  /// Ends the event loop, whatever is on screen: no window is asked, so that none can refuse.
+  static void quit();
   /// Stops background work and the player and removes the temporary audio. Called once, when the application
   /// ends.
   void applicationWillTerminate();
@@ -65,8 +69,10 @@ class AppDelegate : public QObject {
   void validateMenus();
 
   const std::filesystem::path resources;
+  std::unique_ptr<AlertSheet> launchAlert;  ///< only when the model could not be made
   std::unique_ptr<NativeModel> model;
   std::unique_ptr<MainWindow> window;
+  std::unique_ptr<CloseRequests> closeRequests;
   std::unique_ptr<WindowSheets> sheets;
   std::unique_ptr<QWidget> settings;
   std::unique_ptr<QWidget> acknowledgements;

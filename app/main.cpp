@@ -73,12 +73,12 @@ int main(int argc, char** argv) {
   zarnet::applyApplicationStyle();
 
   // Outlives the delegate: a second signal must not kill a process that is clearing up.
-  const zarnet::QuitSignals signals([] { QApplication::quit(); });
+  const zarnet::QuitSignals signals([] { zarnet::AppDelegate::quit(); });
   zarnet::AppDelegate delegate(zarnet::resourcesFolder());
-  if (!delegate.applicationDidFinishLaunching()) return 1;
+  const bool launched = delegate.applicationDidFinishLaunching();
   QMetaObject::invokeMethod(
       &delegate, [&] { delegate.importFiles(files); }, Qt::QueuedConnection);
   const int status = QApplication::exec();
   delegate.applicationWillTerminate();
-  return status;
+  return launched ? status : 1;
 }

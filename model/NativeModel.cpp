@@ -32,8 +32,8 @@ NativeModel::NativeModel(const std::filesystem::path& resources, std::unique_ptr
                  }),
       player(std::move(engine),
              [this](std::function<void()> task) { interfaceThread.post(std::move(task)); }),
-      preparer(resources / "lame") {
-  applyAppearance();
+      // The appearance first: when there can be no workspace, the alert that says so wears it.
+      preparer((applyAppearance(), resources / "lame")) {
   timer.emplace();
   QObject::connect(&*timer, &QTimer::timeout, &*timer, [this] { followPlayer(); });
   timer->start(pollInterval);

@@ -100,6 +100,14 @@ class Application : public testing::Test {
     EXPECT_TRUE(waitUntil(works, limit));
   }
 
+  static bool hasEnded(RunningProgram& zarnet) {
+    return zarnet.exitStatus(std::chrono::seconds(1)).has_value();
+  }
+  /// Asks the window manager to close the window that came first, as its title bar does.
+  static void closeMainWindow() {
+    EXPECT_EQ(runProgram({"sh", "-c", "wmctrl -ic $(wmctrl -l | head -n 1 | cut -d ' ' -f 1)"}).status, 0);
+  }
+
   /// Whether an encoder is at work in the temporary folder.
   bool encodes() const { return runProgram({"pgrep", "-f", scratch / "temporary"}).status == 0; }
 
@@ -156,21 +164,45 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
   press("Save");
   EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(picture); }, limit));
   EXPECT_EQ(readFile(picture).substr(1, 3), "PNG");
-  key("ctrl+q", [&] { return zarnet.exitStatus(std::chrono::seconds(1)).has_value(); });
+  key("ctrl+q", [&] { return hasEnded(zarnet); });
   EXPECT_EQ(zarnet.exitStatus(limit), 0);
   EXPECT_TRUE(std::filesystem::is_empty(scratch / "temporary"));
+}
 
+TEST_F(Application, EndsInGoodOrderHoweverItIsToldToWhileItEncodes) {
   const auto file = writeWave(scratch / "long.wav", noise(48000, 2, 48'000 * 300, 0.3, 1), SampleType::int16);
-  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-    RunningProgram interrupted({ZARNET_PROGRAM, file});
+  const auto signal = [](int number) {
+    return [number](RunningProgram& zarnet) { zarnet.sendSignal(number); };
+  };
+  const std::pair<const char*, std::function<void(RunningProgram&)>> endings[] = {
+      {"SIGTERM", signal(SIGTERM)},
+      {"SIGINT", signal(SIGINT)},
+      {"SIGHUP", signal(SIGHUP)},
+      {"key", [](RunningProgram& zarnet) { key("ctrl+q", [&] { return hasEnded(zarnet); }); }},
+      {"title bar", [](RunningProgram&) { closeMainWindow(); }},
+  };
+  for (const auto& [name, end] : endings) {
+    SCOPED_TRACE(name);
+    RunningProgram zarnet({ZARNET_PROGRAM, file});
     await("1 track");
     press("Start blind comparison");
     press("Continue");
     EXPECT_TRUE(waitUntil([&] { return encodes(); }, limit));
-    interrupted.sendSignal(number);
-    EXPECT_EQ(interrupted.exitStatus(limit), 0) << number;
+    end(zarnet);
+    EXPECT_EQ(zarnet.exitStatus(limit), 0);
     EXPECT_FALSE(encodes());
     EXPECT_TRUE(std::filesystem::is_empty(scratch / "temporary"));
+  }
+}
+
+TEST_F(Application, SaysWhyItCannotOpenUntilItIsToldToEnd) {
+  const auto button = [](RunningProgram&) { key("Return", [] { return find("OK") == nullptr; }); };
+  for (const int number : {SIGTERM, SIGINT, SIGHUP, 0}) {
+    RunningProgram zarnet({"env", "TMPDIR=/dev/null", ZARNET_PROGRAM});
+    await("Unable to open Zarnet");
+    await("OK");
+    number != 0 ? zarnet.sendSignal(number) : button(zarnet);
+    EXPECT_EQ(zarnet.exitStatus(limit), 1) << number;
   }
 }
 

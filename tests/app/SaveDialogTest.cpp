@@ -1,6 +1,6 @@
-#include "app/SaveDialog.h"
-#include "app/WindowSheets.h"
+#include "app/sheets/SaveDialog.h"
 #include "app/sheets/Sheet.h"
+#include "app/sheets/WindowSheets.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/ScratchFolder.h"
 

@@ -212,6 +212,46 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   unsetenv("PULSE_SERVER");
 }
 
+class ScreensUnder : public Screens, public testing::WithParamInterface<const char*> {};
+
+TEST_P(ScreensUnder, ASheetEndByTheQuitKeyAndWithTheSession) {
+  const std::map<std::string, std::function<void()>> sheets = {
+      {"Nothing", [] {}},
+      {"APanel", [&] { delegate.importAudio(); }},
+      {"AQuestion", [&] { use({"Start blind comparison"}); }},
+      {"Progress",
+       [&] {
+         use({"Start blind comparison", "Continue"});
+       }},
+      {"AnError", [&] { delegate.importFiles({"missing.flac"}); }},
+      {"AnotherWindow", [&] { delegate.showSettings(); }},
+  };
+  const auto endsBy = [](const std::function<void()>& action) {
+    QTimer limit;
+    QObject::connect(&limit, &QTimer::timeout, qApp, [] { QApplication::exit(1); });
+    limit.start(std::chrono::seconds(60));
+    QMetaObject::invokeMethod(qApp, action, Qt::QueuedConnection);
+    return QApplication::exec() == 0;
+  };
+  delegate.importFiles({track("Long", 20)});
+  expect({"1 track"});
+  sheets.at(GetParam())();
+  ASSERT_TRUE(eventually([&] {
+    return QApplication::focusWidget() != nullptr &&
+           (QApplication::activeWindow() != window || std::string("Nothing") == GetParam());
+  }));
+  EXPECT_TRUE(endsBy([] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Q, Qt::ControlModifier); }));
+  EXPECT_TRUE(endsBy([] {
+    QEvent quit(QEvent::Quit);  // what becomes of the session manager's request
+    QApplication::sendEvent(qApp, &quit);
+  }));
+}
+
+INSTANTIATE_TEST_SUITE_P(, ScreensUnder,
+                         testing::Values("Nothing", "APanel", "AQuestion", "Progress", "AnError",
+                                         "AnotherWindow"),
+                         [](const auto& sheet) { return std::string(sheet.param); });
+
 TEST_F(Screens, FitTheWindowToTheLatestOfManyHeights) {
   delegate.fitContent(400);
   ASSERT_TRUE(eventually([&] { return root->height() == 400; }));

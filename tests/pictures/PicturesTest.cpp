@@ -3,10 +3,10 @@
 
 #include "app/MainWindow.h"
 #include "app/NativeRoot.h"
-#include "app/WindowSheets.h"
 #include "app/screens/NativeAcknowledgements.h"
 #include "app/screens/NativeSettings.h"
 #include "app/sheets/Popover.h"
+#include "app/sheets/WindowSheets.h"
 #include "app/style/ApplicationStyle.h"
 #include "app/style/Motion.h"
 #include "app/widgets/Spinner.h"

@@ -1,4 +1,4 @@
-#include "app/SaveDialog.h"
+#include "app/sheets/SaveDialog.h"
 
 #include "app/sheets/Sheet.h"
 

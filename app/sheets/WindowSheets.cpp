@@ -1,6 +1,6 @@
-#include "app/WindowSheets.h"
+#include "app/sheets/WindowSheets.h"
 
-#include "app/SaveDialog.h"
+#include "app/sheets/SaveDialog.h"
 #include "app/sheets/Sheet.h"
 
 #include <QFile>
