@@ -1,6 +1,7 @@
 #include "output/AudioEngine.h"
 
 #include "output/OutputWatch.h"
+#include "output/PulseConfiguration.h"
 #include "system/Interleaving.h"
 #include "system/PlatformError.h"
 
@@ -24,6 +25,9 @@ constexpr pa_usec_t startLimit = 2'400 * PA_USEC_PER_MSEC;  // the rest of 2.5 s
 constexpr const char* dummyOutput = "auto_null";            // stands in where there is no device
 constexpr const char* applicationID = "org.zarnet.Zarnet";  // that of the desktop entry
 constexpr const char* changedWhileOpening = "The output changed while it was being opened";
+
+// Before `main`, when there is no other thread yet, in every program that has an engine.
+[[maybe_unused]] const bool configured = (usePulseConfiguration(), true);
 
 struct Release {
   void operator()(pa_threaded_mainloop* loop) const { pa_threaded_mainloop_free(loop); }

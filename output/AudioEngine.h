@@ -34,9 +34,6 @@ using ConfigurationChange = std::function<void(std::uint64_t session)>;
 /// heard elsewhere until the next `start`. For the same reason a mixer cannot move the stream. Where the
 /// server has sent the stream to another output than the default one, a change of the default does not
 /// matter. Operations belong to one thread, the interface thread. Destruction stops the engine.
-///
-/// Known limit: libpulse 16.1 can spin for ever when a PulseAudio server dies within a few milliseconds of a
-/// connection, just as the two agree on shared memory.
 class AudioEngine {
  public:
   AudioEngine() = default;

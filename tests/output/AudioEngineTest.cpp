@@ -1,4 +1,5 @@
 #include "output/AudioEngine.h"
+#include "output/PulseConfiguration.h"
 #include "system/PlatformError.h"
 #include "tests/support/Failures.h"
 #include "tests/support/SoundServer.h"
@@ -105,6 +106,27 @@ TEST(AudioEngine, WakesAnOutputThatSleepsAndGivesUpOnOneThatMaySleepOn) {
   engine->start(2);
   EXPECT_TRUE(waitUntil([&] { return pulled > 0; }));
   EXPECT_TRUE(engine->isRunning());
+}
+
+TEST(AudioEngine, TakesTheUsersConfigurationButSharesNoMemory) {
+  const SoundServer server({"first", "second"});
+  const ScratchFolder home;
+  const std::filesystem::path own = home / ".config" / "pulse";
+  create_directories(own / "client.conf.d");
+  writeFile(own / "client.conf", "enable-shm = yes\ndefault-sink = first\n");
+  writeFile(own / "client.conf.d" / "2.conf", "default-sink = second\n");
+  writeFile(own / "client.conf.d" / "1.conf", "default-sink = first\n");
+  const std::string before = std::getenv("HOME");
+  setenv("HOME", home.path().c_str(), 1);
+  unsetenv("PULSE_CLIENTCONFIG");
+  usePulseConfiguration();
+  setenv("HOME", before.c_str(), 1);
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect([](bool&, std::span<float* const>, std::int64_t) {}, [](std::uint64_t) {});
+  engine->start(1);
+  EXPECT_EQ(readFile("/proc/self/maps").find("memfd:pulseaudio"), std::string::npos);
+  server.removeSink("second");
+  EXPECT_TRUE(waitUntil([&] { return !engine->isRunning(); }));
 }
 
 }  // namespace zarnet::test
