@@ -4,6 +4,7 @@
 #include "audio/VectorMath.h"
 #include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
+#include "tools/support/Tool.h"
 
 #include <cmath>
 
@@ -27,11 +28,12 @@ ProgramResult afconvert(const std::filesystem::path& input, const std::filesyste
                      input.string(), output.string()});
 }
 
-/// Runs `vorbis-tool` with these arguments, words of a shell, in a folder, after a command of the shell.
-ProgramResult vorbisTool(const ScratchFolder& folder, const std::string& arguments,
-                         const std::string& before = "") {
+/// Runs a program of the resources with these arguments, words of a shell, in a folder, after a command of
+/// the shell.
+ProgramResult run(const std::string& program, const ScratchFolder& folder, const std::string& arguments,
+                  const std::string& before = "") {
   return runProgram({"sh", "-c", "cd \"$0\"; " + before + "\"$1\" " + arguments, folder.path().string(),
-                     resource("vorbis-tool").string()});
+                     resource(program).string()});
 }
 
 /// What a signal becomes.
@@ -177,8 +179,8 @@ TEST(VorbisTool, KeepsLengthAndPositionNearTheNominalBitrate) {
   const Signal original = music(48000, 2, 6.123);
   loaded(original)->writeRaw(scratch / "in");
   for (const int kbps : {64, 128, 320}) {
-    EXPECT_EQ(vorbisTool(scratch, "encode in ogg " + std::to_string(kbps)).status, 0);
-    EXPECT_EQ(vorbisTool(scratch, "decode ogg out").status, 0);
+    EXPECT_EQ(run("vorbis-tool", scratch, "encode in ogg " + std::to_string(kbps)).status, 0);
+    EXPECT_EQ(run("vorbis-tool", scratch, "decode ogg out").status, 0);
     rawPCMToCAF(scratch / "out", scratch / "out.caf");
     const Signal decoded = readSignal(scratch / "out.caf");
     ASSERT_EQ(decoded.count(), original.count());
@@ -191,7 +193,7 @@ TEST(VorbisTool, KeepsLengthAndPositionNearTheNominalBitrate) {
 TEST(VorbisTool, RefusesWhatItCannotDoWithOneLineAndLeavesNoOutput) {
   const ScratchFolder scratch;
   loaded(music(48000, 2, 2))->writeRaw(scratch / "in");
-  EXPECT_EQ(vorbisTool(scratch, "encode in good 128").status, 0);
+  EXPECT_EQ(run("vorbis-tool", scratch, "encode in good 128").status, 0);
   const std::string good = readFile(scratch / "good");
   writeFile(scratch / "hole", good.substr(0, 10'000) + good.substr(20'000));
   writeFile(scratch / "odd", std::string(80'004, '\0'));
@@ -206,12 +208,12 @@ TEST(VorbisTool, RefusesWhatItCannotDoWithOneLineAndLeavesNoOutput) {
       {"decode hole out", "“hole” is damaged or incomplete."},
   };
   for (const auto& [arguments, message] : cases) {
-    expectFailure(vorbisTool(scratch, arguments), message);
+    expectFailure(run("vorbis-tool", scratch, arguments), message);
     EXPECT_FALSE(std::filesystem::exists(scratch / "out")) << message;
   }
   EXPECT_EQ(std::filesystem::file_size(scratch / "in"), 96'000u * 8);
   for (const char* arguments : {"encode in out 320", "decode good out"}) {
-    expectFailure(vorbisTool(scratch, arguments, "ulimit -f 8; "),
+    expectFailure(run("vorbis-tool", scratch, arguments, "ulimit -f 8; "),
                   "“out” could not be written: File too large.");
     EXPECT_FALSE(std::filesystem::exists(scratch / "out")) << arguments;
   }
@@ -226,6 +228,31 @@ TEST(Lame, KeepsTheLevelOfFloatingPointSamples) {
   const Signal heard = readSignal(scratch / "out.wav");
   ASSERT_EQ(heard.count(), 48'000);
   EXPECT_NEAR(maximumMagnitude(heard.planes[0].data() + 10'000, 28'000), 0.01, 0.0001);
+}
+
+TEST(Lame, TellsWhichFileCouldNotBeWrittenAndWhy) {
+  const ScratchFolder scratch;
+  writeWave(scratch / "in.wav", noise(48000, 2, 96'000, 0.3, 1));
+  const std::string options = "--silent --noreplaygain --cbr -b 320 --resample 48 -q 2 ";
+  EXPECT_EQ(run("lame", scratch, options + "in.wav good.mp3").status, 0);
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {options + "in.wav /dev/full", "", "“full” could not be written: No space left on device."},
+      {"--silent --decode good.mp3 /dev/full", "", "“full” could not be written: No space left on device."},
+      {options + "in.wav out", "ulimit -f 8; ", "“out” could not be written: File too large."},
+      {options + "in.wav no/out", "", "“out” could not be opened: No such file or directory."},
+      {options + "missing out", "", "“missing” could not be opened: No such file or directory."},
+      {options + "in.wav in.wav", "", "“in.wav” is both the input and the output."},
+  };
+  for (const auto& [arguments, before, message] : cases) {
+    expectFailure(run("lame", scratch, arguments, before), message);
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out")) << arguments;
+  }
+}
+
+TEST(Converter, TellsThatMemoryRanOut) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(runConverter([] { throw std::bad_alloc(); }), 1);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "There is not enough memory.\n");
 }
 
 }  // namespace zarnet::test

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <system_error>
 
@@ -34,6 +35,9 @@ int runConverter(Work work) {
   try {
     work();
     return EXIT_SUCCESS;
+  } catch (const std::bad_alloc& error) {
+    std::fprintf(stderr, "%s\n", errorDescription(error).c_str());
+    return EXIT_FAILURE;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", oneLine(error.what()).c_str());
     return EXIT_FAILURE;
