@@ -2,16 +2,20 @@
 
 #include "output/OutputWatch.h"
 #include "output/PulseConfiguration.h"
+#include "output/RealTimePriority.h"
 #include "system/Interleaving.h"
 #include "system/PlatformError.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include <pulse/pulseaudio.h>
+#include <unistd.h>
 
 namespace zarnet {
 
@@ -22,6 +26,7 @@ constexpr std::size_t frameBytes = 2 * sizeof(float);
 constexpr std::int64_t planeFrames = 2048;                  // rendered in one call at most
 constexpr pa_usec_t latency = 40 * PA_USEC_PER_MSEC;        // kept in the server's buffer
 constexpr pa_usec_t startLimit = 2'400 * PA_USEC_PER_MSEC;  // the rest of 2.5 s is for clearing up
+constexpr std::chrono::milliseconds priorityLimit(500);     // to ask for real-time priority
 constexpr const char* dummyOutput = "auto_null";            // stands in where there is no device
 constexpr const char* applicationID = "org.zarnet.Zarnet";  // that of the desktop entry
 constexpr const char* changedWhileOpening = "The output changed while it was being opened";
@@ -78,6 +83,7 @@ class Session {
   enum class Phase { starting, running, over };
 
   Session(const RenderCallback& callback, std::function<void()> handler);
+  void raisePriority();
   void connectContext(const std::string& server);
   void learnOutput();
   void connectStream();
@@ -99,6 +105,9 @@ class Session {
   const RenderCallback& source;
   const std::function<void()> lostHandler;
   std::array<std::array<float, planeFrames>, 2> planes{};
+  const pa_usec_t begun = pa_rtclock_now();
+  pid_t thread = 0;                          // the loop's
+  std::optional<RealTimePriority> priority;  // outlives the thread
   const Owned<pa_threaded_mainloop> loop;
   Owned<pa_context> context;
   Owned<pa_stream> stream;
@@ -120,6 +129,7 @@ Session::Session(const std::string& server, const RenderCallback& callback, std:
   pa_threaded_mainloop_set_name(loop.get(), "zarnet-audio");  // once started it would rename this thread
   if (pa_threaded_mainloop_start(loop.get()) < 0) throw unavailable("Its thread could not be started");
   const LoopLock hold(loop.get());
+  raisePriority();
   connectContext(server);
   learnOutput();
   connectStream();
@@ -165,6 +175,19 @@ void Session::waitUntil(Condition condition, const char* reason) {
   }
 }
 
+void Session::raisePriority() {
+  pa_mainloop_api_once(
+      pa_threaded_mainloop_get_api(loop.get()),
+      [](pa_mainloop_api*, void* data) {
+        self(data).thread = gettid();
+        self(data).wake();
+      },
+      this);
+  while (thread == 0)
+    pa_threaded_mainloop_wait(loop.get());
+  priority.emplace(thread, priorityLimit);
+}
+
 void Session::connectContext(const std::string& server) {
   const Owned<pa_proplist> properties(pa_proplist_new());
   // With the identifier, and without a media role, what servers remember (volume, mute, device) is our own.
@@ -175,7 +198,7 @@ void Session::connectContext(const std::string& server) {
       pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop.get()), nullptr, properties.get()));
   if (context == nullptr) throw unavailable("The audio server could not be contacted");
   deadline = pa_context_rttime_new(
-      context.get(), pa_rtclock_now() + startLimit,
+      context.get(), begun + startLimit,
       [](pa_mainloop_api*, pa_time_event*, const timeval*, void* data) {
         self(data).expired = true;
         self(data).wake();
