@@ -2,6 +2,7 @@
 
 #include "media/AudioSource.h"
 #include "media/CodedSource.h"
+#include "media/FlacSource.h"
 #include "media/LinearPCM.h"
 #include "media/LinearSource.h"
 #include "system/FileHandle.h"
@@ -10,8 +11,13 @@ namespace zarnet {
 
 struct AudioFileReader::State {
   explicit State(const std::filesystem::path& path) : file(FileHandle::openOrdinaryFile(path)) {
-    const auto pcm = findLinearPCM(file);
-    source = pcm ? makeLinearSource(file, *pcm) : makeCodedSource(file);
+    if (const auto pcm = findLinearPCM(file)) {
+      source = makeLinearSource(file, *pcm);
+    } else if (const auto flac = findFlac(file)) {
+      source = makeFlacSource(file, *flac);
+    } else {
+      source = makeCodedSource(file);
+    }
   }
 
   FileHandle file;

@@ -18,7 +18,7 @@ namespace zarnet {
 class AudioFileReader {
  public:
   /// Opens the file and reads its stream description. Raises when it is missing, unreadable, empty, a folder
-  /// or holds no audio that can be decoded (FLAC beyond 24 bits is such).
+  /// or holds no audio that can be decoded (FLAC beyond 24 bits inside CAF, MPEG-4 and Matroska is such).
   explicit AudioFileReader(const std::filesystem::path& path);
   ~AudioFileReader();
   AudioFileReader(const AudioFileReader&) = delete;
@@ -34,14 +34,16 @@ class AudioFileReader {
   /// Length in frames at the processing rate: as many as `read` delivers from the start of an undamaged file.
   /// Exact, never estimated from a bitrate. Known at once for linear PCM, and for other lossless files whose
   /// last packets confirm the total that the container states; otherwise the first call decodes the file. A
-  /// lossless file that ends before its announced end counts what is there. 0 for a file without audio data.
-  /// May be called at any time without moving the reading position. Raises as `read` does.
+  /// lossless file that ends before its announced end, and states no checksum, counts what is there. 0 for a
+  /// file without audio data. May be called at any time without moving the reading position. Raises as `read`
+  /// does.
   std::int64_t length();
 
   /// Reads the next frames into `planes` (one pointer for each channel, each with room for `frames` samples).
   /// Returns how many frames were delivered: fewer than asked only at the end, 0 from then on. Raises when
-  /// the file cannot be read, and when a lossless stream is damaged before its last packet; damage in a lossy
-  /// one is passed over.
+  /// the file cannot be read, when a lossless stream is damaged before its last packet, and at the end of a
+  /// FLAC file whose samples do not match the checksum that it states; damage in a lossy stream is passed
+  /// over.
   std::int64_t read(float* const* planes, std::int64_t frames);
 
  private:

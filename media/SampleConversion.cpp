@@ -110,4 +110,11 @@ void convertSamples(const SampleLayout& layout, const std::byte* source, std::ui
   conversionOf(layout)(source, channels, frames, planes);
 }
 
+void convertIntegers(const std::int32_t* source, std::uint32_t bits, std::int64_t frames,
+                     float* __restrict target) {
+  const float scale = 1.0f / static_cast<float>(std::uint64_t{1} << (bits - 1));
+  for (std::int64_t i = 0; i < frames; ++i)
+    target[i] = static_cast<float>(source[i]) * scale;
+}
+
 }  // namespace zarnet

@@ -25,4 +25,8 @@ bool canConvert(const SampleLayout& layout);
 void convertSamples(const SampleLayout& layout, const std::byte* source, std::uint32_t channels,
                     std::int64_t frames, float* const* planes);
 
+/// Turns integers whose full scale takes `bits` bits, 1 to 32, into floats of full scale ±1.0: exact up to 24
+/// bits, rounded to nearest beyond.
+void convertIntegers(const std::int32_t* source, std::uint32_t bits, std::int64_t frames, float* target);
+
 }  // namespace zarnet
