@@ -1,5 +1,8 @@
 #include "app/NativeRoot.h"
 
+#include "app/screens/ListenScreen.h"
+#include "app/screens/SetupScreen.h"
+#include "app/screens/TallyScreen.h"
 #include "app/sheets/Sheet.h"
 #include "app/style/Drawing.h"
 #include "app/widgets/FocusRing.h"
@@ -14,7 +17,6 @@
 #include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -44,8 +46,7 @@ class Outline : public QWidget {
 }  // namespace
 
 NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightReceiver, QWidget* parent)
-    : QWidget(parent),
-      model(ofModel),
+    : ModelView(ofModel, parent),
       onContentHeight(std::move(heightReceiver)),
       scroll(new QScrollArea(this)),
       content(new QWidget),
@@ -74,80 +75,41 @@ NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightR
   content->setAutoFillBackground(false);
   new FocusRing(content);
 
-  addShortcut(Qt::Key_Space, [this] { model.playPause(); });
-  addShortcut(Qt::Key_A, [this] { model.select(QStringLiteral("A")); });
-  addShortcut(Qt::Key_B, [this] { model.select(QStringLiteral("B")); });
-
-  subscription = model.willChange.subscribe([this](const Property& property) { changed(property); });
-  dirty = true;
-  positionOnly = false;
-  refresh();
+  follow([this] {
+    showScreen();
+    showSheets();
+    update();
+  });
 }
 
-NativeRoot::~NativeRoot() = default;
-
-void NativeRoot::addShortcut(const QKeySequence& key, std::function<void()> action) {
-  auto* shortcut = new QShortcut(key, this);
-  shortcut->setAutoRepeat(false);
-  connect(shortcut, &QShortcut::activated, this, std::move(action));
-  shortcuts.push_back(shortcut);
-}
-
-void NativeRoot::follow(std::function<void()> follower) {
-  building->followers.push_back(std::move(follower));
-}
-
-void NativeRoot::followPosition(std::function<void()> follower) {
-  building->followers.push_back(follower);
-  building->ticks.push_back(std::move(follower));
-}
-
-void NativeRoot::changed(const Property& property) {
-  if (&property != &model.position) positionOnly = false;
-  if (dirty) return;
-  dirty = true;
-  QMetaObject::invokeMethod(this, &NativeRoot::refresh, Qt::QueuedConnection);
-}
-
-void NativeRoot::refresh() {
-  if (!dirty) return;
-  const bool tick = std::exchange(positionOnly, true);
-  dirty = false;
-  if (tick) {
-    for (const auto& follower : shown->ticks)
-      follower();
-    return;
+Screen& NativeRoot::screenOf(Stage stage) {
+  const auto made = [this](auto*& screen) -> Screen& {
+    if (screen != nullptr) return *screen;
+    screen = new std::remove_reference_t<decltype(*screen)>(model);
+    screen->hide();
+    page->insertWidget(0, screen);
+    return *screen;
+  };
+  switch (stage) {
+    case Stage::setup:
+      return made(setup);
+    case Stage::tally:
+      return made(tally);
+    case Stage::listen:
+    case Stage::reveal:  // the listening screen with the answer in place of the question
+      break;
   }
-  showScreen();
-  showSheets();
-  update();
-}
-
-NativeRoot::Screen& NativeRoot::screenOf(Stage stage) {
-  // The reveal is the listening screen with the answer in place of the question.
-  Screen& screen = screens[stage == Stage::reveal ? Stage::listen : stage];
-  if (screen.widget == nullptr) {
-    building = &screen;
-    screen.widget = stage == Stage::setup ? setup() : stage == Stage::tally ? tally() : listen();
-    building = nullptr;
-    screen.widget->hide();
-    page->insertWidget(0, screen.widget);
-  }
-  return screen;
+  return made(listen);
 }
 
 void NativeRoot::showScreen() {
   Screen& screen = screenOf(model.stage);
-  for (const auto& follower : screen.followers)
-    follower();
   if (shown != &screen) {
-    if (shown != nullptr) shown->widget->hide();
+    if (shown != nullptr) shown->hide();
     shown = &screen;
-    shown->widget->show();
+    shown->show();
   }
-  const bool comparison = *model.stage == Stage::listen || *model.stage == Stage::reveal;
-  for (QShortcut* shortcut : shortcuts)
-    shortcut->setEnabled(comparison);
+  shown->refresh();
   if (const std::pair<Stage, std::int64_t> now{model.stage, model.index}; now != announced) {
     announced = now;
     announce();
@@ -158,13 +120,9 @@ void NativeRoot::announce() {
   // The reveal takes the place of what was answered, at the end of the screen; all else begins at its top.
   if (*model.stage != Stage::reveal) scroll->verticalScrollBar()->setValue(0);
   // A screen reader speaks the new screen's name, and goes on from its first control.
-  QAccessibleEvent event(shown->widget, QAccessible::Alert);
+  QAccessibleEvent event(shown, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
-  focusFirst();
-}
-
-void NativeRoot::focusFirst() {
-  if (QWidget* first = firstFocus[model.stage]; first != nullptr) first->setFocus(Qt::OtherFocusReason);
+  shown->firstFocus()->setFocus(Qt::OtherFocusReason);
 }
 
 void NativeRoot::showSheets() {
@@ -180,7 +138,7 @@ void NativeRoot::showSheets() {
     busySheet->close();
     busySheet->deleteLater();
     busySheet = nullptr;
-    focusFirst();  // what had the focus was disabled meanwhile
+    shown->firstFocus()->setFocus(Qt::OtherFocusReason);  // what had the focus was disabled meanwhile
   }
   if (model.error->has_value() && alert == nullptr && busySheet == nullptr) {
     alert = new AlertSheet(window(), QStringLiteral("Zarnet"), **model.error, {QStringLiteral("OK")});

@@ -1,4 +1,5 @@
-#include "app/NativeRoot.h"
+#include "app/screens/ListenScreen.h"
+
 #include "app/sheets/Popover.h"
 #include "app/widgets/Artwork.h"
 #include "app/widgets/BareLayout.h"
@@ -13,6 +14,7 @@
 #include "app/widgets/Toggles.h"
 #include "model/Wording.h"
 
+#include <QShortcut>
 #include <algorithm>
 
 namespace zarnet {
@@ -33,9 +35,12 @@ Button* skipButton(const QString& symbol, const QString& label) {
 
 }  // namespace
 
-QWidget* NativeRoot::listen() {
-  auto* screen = new QWidget;
-  auto* column = bareColumn(screen, 20);
+ListenScreen::ListenScreen(NativeModel& ofModel)
+    : Screen(ofModel),
+      play(new PlayButton),
+      loopButton(new Button(Button::Kind::borderless)),
+      save(new Button(Button::Kind::prominent, QStringLiteral("Save results image…"))) {
+  auto* column = bareColumn(this, 20);
   column->addWidget(header());
   column->addWidget(new Divider);
   column->addWidget(currentTrack());
@@ -47,10 +52,22 @@ QWidget* NativeRoot::listen() {
   column->addWidget(sides);
   column->addWidget(question());
   column->addWidget(verdict());
-  return screen;
+  addShortcut(Qt::Key_Space, [this] { model.playPause(); });
+  addShortcut(Qt::Key_A, [this] { model.select(QStringLiteral("A")); });
+  addShortcut(Qt::Key_B, [this] { model.select(QStringLiteral("B")); });
 }
 
-QWidget* NativeRoot::header() {
+QWidget* ListenScreen::firstFocus() const {
+  return revealed() ? static_cast<QWidget*>(save) : play;
+}
+
+void ListenScreen::addShortcut(const QKeySequence& key, std::function<void()> action) {
+  auto* shortcut = new QShortcut(key, this);
+  shortcut->setAutoRepeat(false);
+  connect(shortcut, &QShortcut::activated, this, std::move(action));
+}
+
+QWidget* ListenScreen::header() {
   auto* panel = new QWidget;
   auto* row = bareRow(panel, 18);
   auto* back = new Button(Button::Kind::borderless, QStringLiteral("Back"));
@@ -72,14 +89,13 @@ QWidget* NativeRoot::header() {
   follow([this, count, symbol, state] {
     count->setVisible(model.tournament());
     count->setText(trackPlaceText(model.index, model.roundSongs.size()));
-    const bool revealed = *model.stage == Stage::reveal;
-    symbol->setSymbol(revealed ? QStringLiteral("eye") : QStringLiteral("eye.slash"));
-    state->setText(blindnessText(revealed));
+    symbol->setSymbol(revealed() ? QStringLiteral("eye") : QStringLiteral("eye.slash"));
+    state->setText(blindnessText(revealed()));
   });
   return panel;
 }
 
-QWidget* NativeRoot::currentTrack() {
+QWidget* ListenScreen::currentTrack() {
   auto* panel = new QWidget;
   auto* row = bareRow(panel, 18);
   auto* artwork = new Artwork;
@@ -100,10 +116,7 @@ QWidget* NativeRoot::currentTrack() {
   follow([this, artwork, title, artist, album] {
     const std::optional<Song> song = model.current();
     if (!song) return;
-    screens[Stage::listen].widget->setAccessibleName((*model.stage == Stage::reveal
-                                                          ? QStringLiteral("Revealed: ")
-                                                          : QStringLiteral("Blind comparison: ")) +
-                                                     song->title);
+    setAccessibleName(blindnessText(revealed()) + QStringLiteral(": ") + song->title);
     artwork->setImage(song->artwork.value_or(QImage()));
     title->setText(song->trackTitle);
     artist->setText(song->artist.value_or(QString()));
@@ -114,7 +127,7 @@ QWidget* NativeRoot::currentTrack() {
   return panel;
 }
 
-QWidget* NativeRoot::playback() {
+QWidget* ListenScreen::playback() {
   auto* panel = new QWidget;
   auto* column = bareColumn(panel, 4);
   auto* level = new Text(TextStyle::caption);
@@ -147,13 +160,11 @@ QWidget* NativeRoot::playback() {
   return panel;
 }
 
-QWidget* NativeRoot::transport() {
+QWidget* ListenScreen::transport() {
   auto* panel = new QWidget;
   auto* row = bareRow(panel, 16);
   Button* backward = skipButton(QStringLiteral("gobackward.5"), QStringLiteral("Back five seconds"));
   Button* forward = skipButton(QStringLiteral("goforward.5"), QStringLiteral("Forward five seconds"));
-  auto* play = new PlayButton;
-  firstFocus[Stage::listen] = play;
   connect(backward, &QAbstractButton::clicked, this,
           [this] { model.seek(std::max(*model.position - skip, 0.0)); });
   connect(forward, &QAbstractButton::clicked, this,
@@ -169,17 +180,7 @@ QWidget* NativeRoot::transport() {
   loudness->addWidget(new SymbolView(QStringLiteral("speaker.wave.2"), {18, 18}, SymbolView::Ink::secondary));
   loudness->addWidget(volume);
 
-  loopButton = new Button(Button::Kind::borderless);
-  connect(loopButton, &QAbstractButton::clicked, this, [this] {
-    if (popover == nullptr) {
-      popover = new Popover(window());
-      popover->setContent(loopControls());
-      connect(popover, &Popover::closed, this, [this] { showingLoop = false; });
-    }
-    showingLoop = !showingLoop;
-    if (showingLoop) popover->openUnder(loopButton);
-    if (!showingLoop) popover->hide();
-  });
+  connect(loopButton, &QAbstractButton::clicked, this, &ListenScreen::toggleLoopControls);
 
   row->addWidget(backward);
   row->addWidget(play);
@@ -189,7 +190,7 @@ QWidget* NativeRoot::transport() {
   row->addSpacing(14);
   row->addWidget(loopButton);
   row->addStretch(1);
-  follow([this, play, volume] {
+  follow([this, volume] {
     play->setPlaying(model.playing);
     volume->display(model.volume, 1);
     loopButton->setText(model.loop ? QStringLiteral("Loop on") : QStringLiteral("Loop"));
@@ -199,8 +200,18 @@ QWidget* NativeRoot::transport() {
   return panel;
 }
 
-QWidget* NativeRoot::loopControls() {
-  building = &screens[Stage::listen];
+void ListenScreen::toggleLoopControls() {
+  if (popover == nullptr) {
+    popover = new Popover(window());
+    popover->setContent(loopControls());
+    connect(popover, &Popover::closed, this, [this] { showingLoop = false; });
+  }
+  showingLoop = !showingLoop;
+  if (showingLoop) popover->openUnder(loopButton);
+  if (!showingLoop) popover->hide();
+}
+
+QWidget* ListenScreen::loopControls() {
   auto* panel = new QWidget;
   auto* column = new QVBoxLayout(panel);
   column->setContentsMargins(20, 20, 20, 20);
@@ -220,23 +231,20 @@ QWidget* NativeRoot::loopControls() {
   column->addWidget(toggle);
   column->addWidget(range);
   column->addLayout(row);
-  const auto follower = [this, toggle, range] {
+  follow([this, toggle, range] {
     toggle->setChecked(model.loop);
     range->setText(rangeText(model.loopStart, model.loopEnd));
-  };
-  follow(follower);
-  building = nullptr;
-  follower();
+  });
   return panel;
 }
 
-QWidget* NativeRoot::version(const QString& side) {
+QWidget* ListenScreen::version(const QString& side) {
   auto* card = new SideCard(side);
   connect(card, &QAbstractButton::clicked, this, [this, side] { model.select(side); });
   follow([this, card, side] {
     card->setSelected(*model.selected == side);
     card->setGlass(model.glass);
-    if (*model.stage != Stage::reveal) {
+    if (!revealed()) {
       card->setIdentity({}, {});
     } else {
       const SideIdentity identity =
@@ -247,7 +255,7 @@ QWidget* NativeRoot::version(const QString& side) {
   return card;
 }
 
-QWidget* NativeRoot::question() {
+QWidget* ListenScreen::question() {
   auto* panel = new QWidget;
   auto* column = bareColumn(panel, 20);
   auto* answers = new QWidget;
@@ -262,27 +270,25 @@ QWidget* NativeRoot::question() {
   column->addWidget(answers);
   column->addWidget(confirm);
   follow([this, panel, confirm] {
-    panel->setVisible(*model.stage == Stage::listen);
+    panel->setVisible(!revealed());
     confirm->setText(confirmLabel(model.index, model.roundSongs.size()).replace(u'&', QStringLiteral("&&")));
     confirm->setEnabled(model.vote->has_value());
   });
   return panel;
 }
 
-QWidget* NativeRoot::preference(const QString& label, const QString& value) {
+QWidget* ListenScreen::preference(const QString& label, const QString& value) {
   auto* button = new AnswerButton(label);
   connect(button, &QAbstractButton::clicked, this, [this, value] { model.vote = value; });
   follow([this, button, value] { button->setSelected(*model.vote == value); });
   return button;
 }
 
-QWidget* NativeRoot::verdict() {
+QWidget* ListenScreen::verdict() {
   auto* panel = new QWidget;
   auto* column = bareColumn(panel, 20);
   auto* sentence = new Text(TextStyle::verdict);
   auto* again = new Button(Button::Kind::tall, QStringLiteral("New comparison"));
-  auto* save = new Button(Button::Kind::prominent, QStringLiteral("Save results image…"));
-  firstFocus[Stage::reveal] = save;
   connect(again, &QAbstractButton::clicked, this, [this] { model.back(); });
   connect(save, &QAbstractButton::clicked, this, [this] { model.saveResults(); });
   auto* row = new QHBoxLayout;
@@ -293,7 +299,7 @@ QWidget* NativeRoot::verdict() {
   column->addWidget(sentence);
   column->addLayout(row);
   follow([this, panel, sentence] {
-    panel->setVisible(*model.stage == Stage::reveal);
+    panel->setVisible(revealed());
     if (model.answers->empty()) return;
     sentence->setText(verdictText(model.answers->front()));
   });

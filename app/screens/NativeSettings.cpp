@@ -8,7 +8,6 @@
 #include "app/widgets/Toggles.h"
 
 #include <QHBoxLayout>
-#include <QMetaObject>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
@@ -21,8 +20,7 @@ const std::array<QString, 3> values = {QStringLiteral("system"), QStringLiteral(
 }
 
 NativeSettings::NativeSettings(NativeModel& ofModel, QWidget* parent)
-    : QWidget(parent),
-      model(ofModel),
+    : ModelView(ofModel, parent),
       theme(new SegmentedPicker({QStringLiteral("System"), QStringLiteral("Light"), QStringLiteral("Dark")})),
       glass(new Switch) {
   setFixedSize(480, 246);
@@ -71,17 +69,11 @@ NativeSettings::NativeSettings(NativeModel& ofModel, QWidget* parent)
   column->addStretch(1);
   new FocusRing(this);
 
-  refresh();
-  subscription = model.willChange.subscribe([this](const Property& property) {
-    if (&property != &model.appearance && &property != &model.glass) return;
-    QMetaObject::invokeMethod(this, &NativeSettings::refresh, Qt::QueuedConnection);
+  follow([this] {
+    const auto* place = std::find(values.begin(), values.end(), *model.appearance);
+    theme->choose(place == values.end() ? -1 : static_cast<int>(place - values.begin()));
+    glass->setChecked(model.glass);
   });
-}
-
-void NativeSettings::refresh() {
-  const auto* place = std::find(values.begin(), values.end(), *model.appearance);
-  theme->choose(place == values.end() ? -1 : static_cast<int>(place - values.begin()));
-  glass->setChecked(model.glass);
 }
 
 }  // namespace zarnet

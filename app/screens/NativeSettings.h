@@ -1,9 +1,6 @@
 #pragma once
 
-#include "desktop/Signal.h"
-#include "model/NativeModel.h"
-
-#include <QWidget>
+#include "app/screens/ModelView.h"
 
 namespace zarnet {
 
@@ -11,7 +8,7 @@ class SegmentedPicker;
 class Switch;
 
 /// The content of the settings window: the theme and translucency. Both write the model at once. 480 × 246.
-class NativeSettings : public QWidget {
+class NativeSettings : public ModelView {
   Q_OBJECT
 
  public:
@@ -19,12 +16,8 @@ class NativeSettings : public QWidget {
   explicit NativeSettings(NativeModel& model, QWidget* parent = nullptr);
 
  private:
-  void refresh();
-
-  NativeModel& model;
   SegmentedPicker* theme;
   Switch* glass;
-  Subscription subscription;
 };
 
 }  // namespace zarnet

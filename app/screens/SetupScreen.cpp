@@ -1,4 +1,5 @@
-#include "app/NativeRoot.h"
+#include "app/screens/SetupScreen.h"
+
 #include "app/screens/SongList.h"
 #include "app/widgets/BareLayout.h"
 #include "app/widgets/Button.h"
@@ -27,17 +28,20 @@ QVBoxLayout* labelled(Text* caption, QWidget* control) {
 
 }  // namespace
 
-QWidget* NativeRoot::setup() {
-  auto* screen = new QWidget;
-  auto* stack = bareColumn(screen, 24);
-  screen->setAccessibleName(QStringLiteral("Tracks and settings"));
+SetupScreen::SetupScreen(NativeModel& ofModel)
+    : Screen(ofModel), start(new Button(Button::Kind::prominent, QStringLiteral("Start blind comparison"))) {
+  auto* stack = bareColumn(this, 24);
+  setAccessibleName(QStringLiteral("Tracks and settings"));
   stack->addWidget(songPanel());
   stack->addWidget(settingsRow());
   stack->addWidget(startRow());
-  return screen;
 }
 
-QWidget* NativeRoot::songPanel() {
+QWidget* SetupScreen::firstFocus() const {
+  return start;
+}
+
+QWidget* SetupScreen::songPanel() {
   auto* panel = new RoundedPanel;
   auto* stack = bareColumn(panel, 0);
 
@@ -83,7 +87,7 @@ QWidget* NativeRoot::songPanel() {
   return panel;
 }
 
-QWidget* NativeRoot::emptyPanel() {
+QWidget* SetupScreen::emptyPanel() {
   auto* panel = new QWidget;
   auto* column = new QVBoxLayout(panel);
   column->setContentsMargins(24, 36, 24, 36);
@@ -113,7 +117,7 @@ QWidget* NativeRoot::emptyPanel() {
   return panel;
 }
 
-QWidget* NativeRoot::settingsRow() {
+QWidget* SetupScreen::settingsRow() {
   auto* panel = new QWidget;
   auto* row = bareRow(panel, 20);
 
@@ -153,11 +157,9 @@ QWidget* NativeRoot::settingsRow() {
   return panel;
 }
 
-QWidget* NativeRoot::startRow() {
+QWidget* SetupScreen::startRow() {
   auto* panel = new QWidget;
   auto* row = bareRow(panel, 18);
-  auto* start = new Button(Button::Kind::prominent, QStringLiteral("Start blind comparison"));
-  firstFocus[Stage::setup] = start;
   connect(start, &QAbstractButton::clicked, this, [this] { model.start(); });
   auto* note = new Text(TextStyle::caption);
   note->setSecondary(true);
@@ -168,7 +170,7 @@ QWidget* NativeRoot::startRow() {
   marked->addWidget(note);
   row->addLayout(marked);
   row->addStretch(1);
-  follow([this, start, note] {
+  follow([this, note] {
     start->setEnabled(model.canStart());
     note->setText(startNote(model.tournament()));
   });

@@ -1,4 +1,5 @@
-#include "app/NativeRoot.h"
+#include "app/screens/TallyScreen.h"
+
 #include "app/widgets/BareLayout.h"
 #include "app/widgets/Button.h"
 #include "app/widgets/RoundedPanel.h"
@@ -34,9 +35,10 @@ QWidget* answerRow(const Vote& answer, const QString& codec, bool first) {
 
 }  // namespace
 
-QWidget* NativeRoot::tally() {
-  auto* screen = new QWidget;
-  auto* column = bareColumn(screen, 20);
+TallyScreen::TallyScreen(NativeModel& ofModel)
+    : Screen(ofModel), save(new Button(Button::Kind::tall, QStringLiteral("Save results image…"))) {
+  setAccessibleName(QStringLiteral("Your results"));
+  auto* column = bareColumn(this, 20);
 
   auto* heading = new QVBoxLayout;
   heading->setSpacing(4);
@@ -51,15 +53,9 @@ QWidget* NativeRoot::tally() {
   for (const Preference preference : {Preference::lossless, Preference::lossy, Preference::none})
     totals->addWidget(total(preferenceText(preference)), 1);
   column->addLayout(totals);
+  column->addWidget(rows());
 
-  auto* rows = new QWidget;
-  auto* rowColumn = bareColumn(rows, 6);
-  column->addWidget(rows);
-
-  auto* save = new Button(Button::Kind::tall, QStringLiteral("Save results image…"));
   auto* again = new Button(Button::Kind::prominent, QStringLiteral("New comparison"));
-  screen->setAccessibleName(QStringLiteral("Your results"));
-  firstFocus[Stage::tally] = save;
   connect(save, &QAbstractButton::clicked, this, [this] { model.saveResults(); });
   connect(again, &QAbstractButton::clicked, this, [this] { model.back(); });
   auto* buttons = new QHBoxLayout;
@@ -69,22 +65,32 @@ QWidget* NativeRoot::tally() {
   buttons->addStretch(1);
   column->addLayout(buttons);
 
-  follow([this, summary, rows, rowColumn, drawn = std::vector<QUuid>()]() mutable {
+  follow([this, summary] {
     summary->setText(tallySummary(model.answers->size(), model.roundCodec, model.roundRate));
+  });
+}
+
+QWidget* TallyScreen::firstFocus() const {
+  return save;
+}
+
+QWidget* TallyScreen::rows() {
+  auto* panel = new QWidget;
+  auto* column = bareColumn(panel, 6);
+  follow([this, panel, column, drawn = std::vector<QUuid>()]() mutable {
     std::vector<QUuid> answers;
     for (const Vote& answer : *model.answers)
       answers.push_back(answer.id);
     if (answers == drawn) return;
     drawn = answers;
-    qDeleteAll(rows->findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
-    for (const Vote& answer : *model.answers) {
-      rowColumn->addWidget(answerRow(answer, model.roundCodec, rowColumn->count() == 0));
-    }
+    qDeleteAll(panel->findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+    for (const Vote& answer : *model.answers)
+      column->addWidget(answerRow(answer, model.roundCodec, column->count() == 0));
   });
-  return screen;
+  return panel;
 }
 
-QWidget* NativeRoot::total(const QString& label) {
+QWidget* TallyScreen::total(const QString& label) {
   auto* box = new RoundedPanel(14);
   auto* column = new QVBoxLayout(box);
   column->setContentsMargins(18, 14, 18, 14);
