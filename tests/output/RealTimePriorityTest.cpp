@@ -93,8 +93,7 @@ TEST(RealTimePriority, IsLostInsteadOfTheProcessWhenAThreadComputesTooLong) {
   std::atomic<bool> ordinary = false;
   std::thread thread([&] {
     number = gettid();
-    while (!begun)
-      std::this_thread::yield();
+    EXPECT_TRUE(waitUntil([&] { return begun.load(); }));
     // A user who may not have the priority has got the stand-in's word only, and no signal.
     if (sched_getscheduler(0) == SCHED_OTHER) std::raise(SIGXCPU);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
