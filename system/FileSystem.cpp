@@ -39,8 +39,13 @@ void moveFile(const std::filesystem::path& from, const std::filesystem::path& to
 }
 
 void removeAll(const std::filesystem::path& path) {
+  // Somebody may remove or write something in it meanwhile; then what is left is tried again.
+  constexpr int tries = 100;
   std::error_code error;
-  std::filesystem::remove_all(path, error);
+  for (int i = 0; i < tries; ++i) {
+    std::filesystem::remove_all(path, error);
+    if (error != std::errc::no_such_file_or_directory && error != std::errc::directory_not_empty) break;
+  }
   if (error) throw systemError(path, "could not be removed", error.value());
 }
 

@@ -7,6 +7,8 @@
 #include "tests/support/Failures.h"
 #include "tests/support/ScratchFolder.h"
 
+#include <thread>
+
 namespace zarnet {
 
 namespace fs = std::filesystem;
@@ -34,6 +36,24 @@ TEST(FileSystem, RemovesLinksAndNotWhatTheyPointTo) {
   removeAll(scratch / "folder");
   EXPECT_FALSE(fs::exists(scratch / "folder"));
   EXPECT_TRUE(fs::exists(kept));
+}
+
+TEST(FileSystem, RemovesWhatSomebodyElseRemovesAndFillsMeanwhile) {
+  const test::ScratchFolder scratch;
+  const fs::path folder = scratch / "folder";
+  for (int round = 0; round < 10; ++round) {
+    for (int i = 0; i < 50; ++i) {
+      createFolders(folder / std::to_string(i));
+      test::writeFile(folder / std::to_string(i) / "file", "");
+    }
+    const std::jthread filling([&] {
+      for (int i = 0; i < 50; ++i)
+        std::ofstream(folder / std::to_string(i) / "late");
+    });
+    const std::jthread removing([&] { EXPECT_NO_THROW(removeAll(folder)); });
+    EXPECT_NO_THROW(removeAll(folder));
+  }
+  EXPECT_FALSE(fs::exists(folder));
 }
 
 TEST(Text, FormatsNumbersAndReplacesOnlyTheBytesOfAPathThatAreNoCharacter) {
