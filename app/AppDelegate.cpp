@@ -9,6 +9,7 @@
 #include "app/style/Motion.h"
 #include "app/style/Symbol.h"
 #include "app/style/Typography.h"
+#include "prepare/Resources.h"
 #include "system/UserError.h"
 
 #include <QAction>
@@ -281,7 +282,9 @@ void AppDelegate::about() {
 
 void AppDelegate::showAcknowledgements() {
   if (!acknowledgements) {
-    acknowledgements.reset(auxiliaryWindow(QStringLiteral("Acknowledgements"), new NativeAcknowledgements));
+    const bool standIn = converterProgram(resources) == resources / "afconvert";
+    acknowledgements.reset(
+        auxiliaryWindow(QStringLiteral("Acknowledgements"), new NativeAcknowledgements(standIn)));
   }
   bringToFront(*acknowledgements);
 }

@@ -5,6 +5,7 @@
 #include "prepare/CheckRecord.h"
 #include "prepare/Codecs.h"
 #include "prepare/Gains.h"
+#include "prepare/Resources.h"
 #include "system/DisplayText.h"
 #include "system/FileSystem.h"
 #include "system/PlatformError.h"
@@ -115,10 +116,7 @@ class Conversion {
 
   std::filesystem::path sibling(const char* name) const { return folderOf(preparer.lame) / name; }
 
-  std::filesystem::path converter() const {
-    const std::filesystem::path fixed = "/usr/bin/afconvert";
-    return fileExists(fixed) ? fixed : sibling("afconvert");
-  }
+  std::filesystem::path converter() const { return converterProgram(folderOf(preparer.lame)); }
 
   AudioPreparer& preparer;
   const std::string codec;

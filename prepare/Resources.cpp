@@ -13,4 +13,9 @@ std::filesystem::path resourcesFolder() {
   return fileExists(built) ? built : standardized(folder / ZARNET_INSTALLED_RESOURCES);
 }
 
+std::filesystem::path converterProgram(const std::filesystem::path& resources) {
+  const std::filesystem::path fixed = "/usr/bin/afconvert";
+  return fileExists(fixed) ? fixed : resources / "afconvert";
+}
+
 }  // namespace zarnet

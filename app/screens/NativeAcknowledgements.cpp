@@ -9,7 +9,7 @@
 
 namespace zarnet {
 
-NativeAcknowledgements::NativeAcknowledgements(QWidget* parent) : QWidget(parent) {
+NativeAcknowledgements::NativeAcknowledgements(bool standIn, QWidget* parent) : QWidget(parent) {
   setFixedSize(440, 230);
   auto* credits =
       new Text(TextStyle::callout, QStringLiteral("AAC: Apple AudioToolbox\n"
@@ -23,6 +23,12 @@ NativeAcknowledgements::NativeAcknowledgements(QWidget* parent) : QWidget(parent
   column->addWidget(new Text(TextStyle::body, QStringLiteral("Blind audio preference comparisons.")));
   column->addSpacing(6);
   column->addWidget(credits);
+  if (standIn) {
+    auto* caption =
+        new Text(TextStyle::caption, QStringLiteral("Here AAC is encoded by FFmpeg’s libavcodec."));
+    caption->setSecondary(true);
+    column->addWidget(caption);
+  }
   column->addStretch(1);
 }
 

@@ -4,12 +4,14 @@
 
 namespace zarnet {
 
-/// The content of the acknowledgements window: the program's name, what it is, and the credits. 440 × 230.
+/// The content of the acknowledgements window: the program's name, what it is, the credits, and below them
+/// what encodes AAC where the platform's encoder does not. 440 × 230.
 class NativeAcknowledgements : public QWidget {
   Q_OBJECT
 
  public:
-  explicit NativeAcknowledgements(QWidget* parent = nullptr);
+  /// `standIn` tells that the stand-in for the platform's converter encodes AAC.
+  explicit NativeAcknowledgements(bool standIn, QWidget* parent = nullptr);
 };
 
 /// The content of the about panel: icon, name and versions. An empty build version is left out.

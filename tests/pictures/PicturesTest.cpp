@@ -369,7 +369,7 @@ const Picture screens[] = {
      }},
     {"acknowledgements",
      [](Scene& scene) {
-       auto* credits = new NativeAcknowledgements(&scene.window);
+       auto* credits = new NativeAcknowledgements(true, &scene.window);
        credits->show();
        scene.settle();
        return credits;
