@@ -1,9 +1,10 @@
 #include "desktop/Thumbnail.h"
 
+#include "desktop/PNGImage.h"
+
 #include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
-#include <QLoggingCategory>
 #include <QtEndian>
 #include <algorithm>
 #include <cstdint>
@@ -12,33 +13,60 @@ namespace zarnet {
 
 namespace {
 
-constexpr std::int64_t mostPixels = 64'000'000;
-/// A picture of that size with 16 bits in each of four channels. Qt's own limit for the whole process is
-/// less.
-constexpr int mostMegabytes = 512;
-/// A progressive JPEG has a dozen scans; one with thousands is made to keep the decoder busy.
-constexpr qsizetype mostScans = 100;
+/// Decoding takes up to eight bytes for a pixel.
+constexpr std::int64_t mostPixels = 30'000'000;
+/// Pixels times scans: a progressive JPEG has a dozen scans, and each passes over the whole picture.
+constexpr std::int64_t mostScannedPixels = 250'000'000;
 
-/// Whether a JPEG file reaches the end of its picture: the decoder fills what is missing with grey and calls
-/// that a success.
-bool isWholeJPEG(const QByteArray& file) {
+/// Listens to what Qt's readers have to say on the thread where one lives, and keeps it from the terminal.
+class Remarks {
+ public:
+  Remarks() {
+    [[maybe_unused]] static const bool listens = [] {
+      // Another thread may have a message before the second call.
+      nextHandler = qInstallMessageHandler(nullptr);
+      qInstallMessageHandler(handle);
+      return true;
+    }();
+    current = this;
+  }
+  ~Remarks() { current = nullptr; }
+  Remarks(const Remarks&) = delete;
+  Remarks& operator=(const Remarks&) = delete;
+
+  /// Whether a JPEG file ended in the middle of its picture, the rest of which is grey.
+  bool tellOfAnEarlyEnd() const { return earlyEnd; }
+
+ private:
+  static void handle(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (current == nullptr || !QByteArrayView(context.category).startsWith("qt.gui.imageio"))
+      return nextHandler(type, context, message);
+    if (message.contains(QLatin1String("premature end of data segment"))) current->earlyEnd = true;
+  }
+
+  inline static QtMessageHandler nextHandler = nullptr;
+  inline static thread_local Remarks* current = nullptr;
+  bool earlyEnd = false;
+};
+
+/// How a JPEG file goes on behind its headers.
+struct JPEGScans {
+  qsizetype count = 0;
+  bool hasEnd = false;  ///< the end marker
+};
+
+/// Finds the scans of a JPEG file. Stray bytes may stand between its segments; those before the first scan
+/// state their size, and one of them may hold a small picture of its own.
+JPEGScans scansOf(const QByteArray& file) {
   constexpr QByteArrayView startOfScan = "\xFF\xDA";
   constexpr QByteArrayView endOfImage = "\xFF\xD9";
-  // Segments before the first scan state their length; one of them may hold a small picture of its own.
-  qsizetype position = 2;
-  while (position + 4 <= file.size() && file[position] == '\xFF') {
-    const QByteArrayView rest = QByteArrayView(file).sliced(position);
-    if (rest.startsWith(startOfScan))
-      return rest.contains(endOfImage) && rest.count(startOfScan) <= mostScans;
-    const bool isFillByte = rest[1] == '\xFF';
-    position += isFillByte ? 1 : 2 + qFromBigEndian<quint16>(rest.data() + 2);
+  for (qsizetype place = 2; (place = file.indexOf('\xFF', place)) >= 0 && place + 4 <= file.size();) {
+    const QByteArrayView rest = QByteArrayView(file).sliced(place);
+    if (rest.startsWith(startOfScan)) return {rest.count(startOfScan), rest.contains(endOfImage)};
+    const bool isMarker = rest[1] != '\xFF' && rest[1] != '\0';
+    place += isMarker ? 2 + qFromBigEndian<quint16>(rest.data() + 2) : 1;
   }
-  return false;
-}
-
-/// Whether a PNG file has its last chunk; a decoder that misses it says so on the terminal.
-bool isWholePNG(const QByteArray& file) {
-  return file.contains(QByteArrayView("IEND\xAE\x42\x60\x82"));
+  return {};
 }
 
 /// Whether a GIF file has its trailer; zeros may follow.
@@ -47,16 +75,29 @@ bool isWholeGIF(const QByteArray& file) {
   return last != file.crend() && *last == ';';
 }
 
-/// The size of the bitmap that decoding would fill; empty when it is not to be decoded.
-QSize decodedSize(const QByteArray& format, const QByteArray& file, const QImageReader& reader) {
-  if (format == "jpeg") return isWholeJPEG(file) ? reader.size() : QSize();
-  if (format == "png") return isWholePNG(file) ? reader.size() : QSize();
-  if (format == "webp") return reader.size();
-  constexpr qsizetype gifScreen = 6;
-  if (format != "gif" || file.size() < gifScreen + 4 || !isWholeGIF(file)) return {};
-  // A frame may be smaller than the screen that it is drawn on.
-  return {qFromLittleEndian<quint16>(file.constData() + gifScreen),
-          qFromLittleEndian<quint16>(file.constData() + gifScreen + 2)};
+/// Whether a BMP file is as long as it says; some do not say.
+bool isWholeBMP(const QByteArray& file) {
+  constexpr qsizetype sizeField = 2;
+  return file.size() >= sizeField + 4 &&
+         qFromLittleEndian<quint32>(file.constData() + sizeField) <= file.size();
+}
+
+/// The size of the screen that a GIF file's frames are drawn on; each of them may be smaller.
+QSize screenOfGIF(const QByteArray& file) {
+  constexpr qsizetype screen = 6;
+  if (file.size() < screen + 4) return {};
+  return {qFromLittleEndian<quint16>(file.constData() + screen),
+          qFromLittleEndian<quint16>(file.constData() + screen + 2)};
+}
+
+/// Whether the file is whole and its header says that decoding it takes neither too much memory nor too long.
+bool isWorthDecoding(const QByteArray& format, const QByteArray& file, QSize size) {
+  const std::int64_t pixels = std::int64_t{size.width()} * size.height();
+  if (size.isEmpty() || pixels > mostPixels) return false;
+  if (format == "jpeg") return scansOf(file).count * pixels <= mostScannedPixels;
+  if (format == "gif") return isWholeGIF(file);
+  if (format == "bmp") return isWholeBMP(file);
+  return format == "webp";
 }
 
 QSize fitted(QSize size, int longestSide) {
@@ -64,30 +105,35 @@ QSize fitted(QSize size, int longestSide) {
   return size.scaled(longestSide, longestSide, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
-/// Settings of Qt's readers that hold for the whole process.
-void setUpReaders() {
-  [[maybe_unused]] static const bool done = [] {
-    QImageReader::setAllocationLimit(mostMegabytes);
-    // A damaged picture in somebody's tags is no message for the terminal.
-    QLoggingCategory::setFilterRules(QStringLiteral("qt.gui.imageio*=false"));
-    return true;
-  }();
+/// Reads a picture with Qt's readers at the size of its thumbnail; null when that cannot be.
+QImage read(QBuffer& buffer, const QByteArray& format, int longestSide) {
+  const Remarks remarks;
+  QImageReader reader(&buffer, format);
+  const QByteArray& file = buffer.data();
+  const QSize size = format == "gif" ? screenOfGIF(file) : reader.size();
+  if (!isWorthDecoding(format, file, size)) return {};
+  reader.setAutoTransform(true);
+  reader.setScaledSize(fitted(size, longestSide));
+  QImage image = reader.read();
+  return remarks.tellOfAnEarlyEnd() && !scansOf(file).hasEnd ? QImage() : image;
+}
+
+QImage readPNG(const QByteArray& file, int longestSide) {
+  QImage image = decodedPNG(file, mostPixels);
+  if (image.isNull()) return image;
+  // Scaling would convert a copy.
+  if (image.hasAlphaChannel()) image.convertTo(QImage::Format_ARGB32_Premultiplied);
+  return image.scaled(fitted(image.size(), longestSide), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 }  // namespace
 
 std::optional<QImage> thumbnail(std::string_view encoded, int longestSide) {
-  setUpReaders();
   QByteArray file = QByteArray::fromRawData(encoded.data(), static_cast<qsizetype>(encoded.size()));
   QBuffer buffer(&file);
   buffer.open(QIODevice::ReadOnly);
   const QByteArray format = QImageReader::imageFormat(&buffer);
-  QImageReader reader(&buffer, format);
-  const QSize size = decodedSize(format, file, reader);
-  if (size.isEmpty() || std::int64_t{size.width()} * size.height() > mostPixels) return std::nullopt;
-  reader.setAutoTransform(true);
-  reader.setScaledSize(fitted(size, longestSide));
-  QImage image = reader.read();
+  QImage image = format == "png" ? readPNG(file, longestSide) : read(buffer, format, longestSide);
   if (image.isNull()) return std::nullopt;
   if (image.colorSpace().isValid()) image.convertToColorSpace(QColorSpace::SRgb);
   const bool opaque = !image.hasAlphaChannel();

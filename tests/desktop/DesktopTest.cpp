@@ -9,6 +9,7 @@
 #include "tests/support/ScratchFolder.h"
 
 #include <QBuffer>
+#include <QColorSpace>
 #include <QPainter>
 
 #include <gmock/gmock.h>
@@ -145,19 +146,58 @@ TEST(Thumbnail, TurnsThePictureAsItStates) {
 }
 
 TEST(Thumbnail, IsNotMadeFromAPictureThatEndsEarly) {
+  testing::internal::CaptureStderr();
   const QImage image = marked(400, 400);
   const std::string inside = encoded(marked(40, 40), "jpeg");
-  for (const std::string& whole :
-       {encoded(image, "jpeg"), orientedJPEG(image, 1, inside), encoded(image, "png"), tinyGIF(1, 1)}) {
+  for (const std::string& whole : {encoded(image, "jpeg"), orientedJPEG(image, 1, inside),
+                                   encoded(image, "png"), encoded(image, "bmp"), tinyGIF(1, 1)}) {
     EXPECT_TRUE(thumbnail(whole + std::string(10, '\0'), 256)) << "padded";
     for (std::size_t parts = 0; parts < 20; ++parts)
       EXPECT_FALSE(thumbnail(std::string_view(whole).substr(0, whole.size() * parts / 20), 256)) << parts;
   }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(Thumbnail, DecodesUpTo64MegapixelsAndNoMore) {
-  EXPECT_TRUE(thumbnail(encoded(QImage(8000, 8000, QImage::Format_Mono), "png"), 256));
-  EXPECT_FALSE(thumbnail(encoded(QImage(8001, 8000, QImage::Format_Mono), "png"), 256));
+TEST(Thumbnail, IsMadeFromAJPEGWithStrayBytesOrWithoutItsEndMarker) {
+  testing::internal::CaptureStderr();
+  const std::string whole = encoded(marked(400, 400), "jpeg");
+  std::string stray = whole;
+  stray.insert(whole.find("\xFF\xDB"), "stray\xFF")
+      .insert(whole.find("\xFF\xDA"), std::string("\0\xFF\0", 3));
+  for (const std::string& file : {stray, whole.substr(0, whole.size() - 2)}) {
+    const auto made = thumbnail(file, 256);
+    ASSERT_TRUE(made);
+    EXPECT_GT(made->pixelColor(250, 250).blue(), 240) << "the last pixels are there";
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(Thumbnail, HasTheColoursOfItsOwnSpace) {
+  QImage image(8, 8, QImage::Format_RGB32);
+  image.fill(QColor(200, 80, 60));
+  image.setColorSpace(QColorSpace::DisplayP3);
+  const QColor expected = image.convertedToColorSpace(QColorSpace::SRgb).pixelColor(4, 4);
+  for (const char* format : {"png", "jpeg"}) {
+    const auto made = thumbnail(encoded(image, format), 8);
+    ASSERT_TRUE(made);
+    EXPECT_NEAR(made->pixelColor(4, 4).red(), expected.red(), 2) << format;
+    EXPECT_NEAR(made->pixelColor(4, 4).green(), expected.green(), 2) << format;
+  }
+}
+
+TEST(Thumbnail, IsNotMadeWhereDecodingTakesTooMuch) {
+  const auto scans = [](int count) {
+    std::string file = encoded(QImage(1000, 1000, QImage::Format_RGB32), "jpeg");
+    for (int i = 1; i < count; ++i)
+      file += "\xFF\xDA";
+    return file;
+  };
+  EXPECT_TRUE(thumbnail(encoded(QImage(6000, 5000, QImage::Format_Mono), "png"), 256));
+  EXPECT_FALSE(thumbnail(encoded(QImage(6000, 5001, QImage::Format_Mono), "png"), 256));
+  EXPECT_TRUE(thumbnail(encoded(QImage(6000, 5000, QImage::Format_Mono), "bmp"), 256));
+  EXPECT_FALSE(thumbnail(encoded(QImage(6000, 5001, QImage::Format_Mono), "bmp"), 256));
+  EXPECT_TRUE(thumbnail(scans(250), 256));
+  EXPECT_FALSE(thumbnail(scans(251), 256));
   // A file of a few bytes that announces a great deal.
   EXPECT_FALSE(thumbnail(tinyGIF(20'000, 20'000), 256));
 }
