@@ -11,23 +11,8 @@
 
 namespace zarnet {
 
-namespace {
-
-void writeText(const std::filesystem::path& path, const std::string& text) {
-  FileHandle file = FileHandle::createForWriting(path);
-  try {
-    file.write(text.data(), text.size());
-  } catch (const PlatformError&) {
-    removeAll(path);
-    throw;
-  }
-}
-
-}  // namespace
-
-void writeCheckRecord(const std::filesystem::path& path, const PreparedAudio& prepared,
-                      const std::string& codec, std::int64_t bitrate, bool matched,
-                      std::pair<float, float> peaks) {
+std::string checkRecordText(const PreparedAudio& prepared, const std::string& codec, std::int64_t bitrate,
+                            bool matched, std::pair<float, float> peaks) {
   // nlohmann::json keeps an object's keys sorted and prints numbers alike in every locale.
   const nlohmann::json record = {
       {"bitrate", bitrate},
@@ -47,7 +32,19 @@ void writeCheckRecord(const std::filesystem::path& path, const PreparedAudio& pr
   const bool finite = std::ranges::all_of(record, [](const nlohmann::json& value) {
     return !value.is_number_float() || std::isfinite(value.get<double>());
   });
-  if (finite) writeText(path, record.dump(2) + "\n");
+  return finite ? record.dump(2) + "\n" : "";
+}
+
+void writeCheckRecord(const std::filesystem::path& path, const std::string& text) {
+  if (text.empty()) return;
+  FileHandle file = FileHandle::createForWriting(path);
+  try {
+    file.write(text.data(), text.size());
+    file.close();
+  } catch (const PlatformError&) {
+    removeAll(path);
+    throw;
+  }
 }
 
 }  // namespace zarnet

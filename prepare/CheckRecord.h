@@ -9,12 +9,14 @@
 
 namespace zarnet {
 
-/// Writes the diagnostic record of a comparison: a pretty-printed JSON object of 13 keys in alphabetical
-/// order, ended by a line feed. `bitrate` in kbps; `peaks` are those of (original, lossy) before gain.
-/// Replaces what is there. Writes nothing when a number is not finite. Raises `PlatformError` when the file
-/// cannot be written; no partial record stays.
-void writeCheckRecord(const std::filesystem::path& path, const PreparedAudio& prepared,
-                      const std::string& codec, std::int64_t bitrate, bool matched,
-                      std::pair<float, float> peaks);
+/// The diagnostic record of a comparison: a pretty-printed JSON object of 13 keys in alphabetical order,
+/// ended by a line feed. `bitrate` in kbps; `peaks` are those of (original, lossy) before gain. Empty when a
+/// number is not finite.
+std::string checkRecordText(const PreparedAudio& prepared, const std::string& codec, std::int64_t bitrate,
+                            bool matched, std::pair<float, float> peaks);
+
+/// Writes that text, unless it is empty. Replaces what is there. Raises `PlatformError` when the file cannot
+/// be written; no partial record stays.
+void writeCheckRecord(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace zarnet

@@ -173,7 +173,7 @@ PreparedAudio AudioPreparer::prepare(const std::filesystem::path& url, const std
                             playbackGains(loudness, peaks),
                             loudness};
   try {
-    writeCheckRecord(conversion.record, prepared, codec, bitrate, match, peaks);
+    writeCheckRecord(conversion.record, checkRecordText(prepared, codec, bitrate, match, peaks));
   } catch (const std::exception&) {  // a diagnosis that cannot be written spoils no comparison
   }
   checkCancellation();

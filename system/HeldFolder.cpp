@@ -69,7 +69,7 @@ std::optional<Descriptor> createdAndLocked(const std::filesystem::path& path, mo
   createFolders(path.parent_path());
   if (mkdir(path.c_str(), mode) != 0) {
     if (errno == ENOENT && !last) return std::nullopt;
-    throw systemError(path, "could not be created", errno);
+    throw systemError(path.parent_path(), "takes no new folder", errno);
   }
   Descriptor folder = openFolder(path);
   if (folder.get() < 0 || lock(folder) == Lock::held || !names(path, folder)) return std::nullopt;

@@ -18,7 +18,7 @@ TEST(CheckRecord, HoldsItsKeysInOrderAndIsNotWrittenWithANumberThatJSONCannotHol
                             {0.5f, 0.1f},
                             {-14.25, -1e-7}};
   const auto path = test::writeFile(scratch / "check.json", std::string(10'000, 'x'));
-  writeCheckRecord(path, prepared, "Ogg Vorbis", 128, true, {0.25f, 1.0f});
+  writeCheckRecord(path, checkRecordText(prepared, "Ogg Vorbis", 128, true, {0.25f, 1.0f}));
   EXPECT_EQ(test::readFile(path), R"({
   "bitrate": 128,
   "codec": "Ogg Vorbis",
@@ -35,9 +35,9 @@ TEST(CheckRecord, HoldsItsKeysInOrderAndIsNotWrittenWithANumberThatJSONCannotHol
   "peakOriginal": 0.25
 }
 )");
-  writeCheckRecord(scratch / "none", prepared, "AAC", 256, true, {0.5f, std::nanf("")});
+  writeCheckRecord(scratch / "none", checkRecordText(prepared, "AAC", 256, true, {0.5f, std::nanf("")}));
   prepared.loudness.first = HUGE_VAL;
-  writeCheckRecord(scratch / "none", prepared, "AAC", 256, true, {0.5f, 0.5f});
+  writeCheckRecord(scratch / "none", checkRecordText(prepared, "AAC", 256, true, {0.5f, 0.5f}));
   EXPECT_FALSE(std::filesystem::exists(scratch / "none"));
 }
 

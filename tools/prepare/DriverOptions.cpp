@@ -35,10 +35,15 @@ void complain(const char* problem) {
 
 std::optional<DriverOptions> parsedOptions(int count, char** values) {
   const option known[] = {
-      {"codec", required_argument, nullptr, 'c'},     {"bitrate", required_argument, nullptr, 'b'},
-      {"no-match", no_argument, nullptr, 'n'},        {"output", required_argument, nullptr, 'o'},
-      {"resources", required_argument, nullptr, 'r'}, {"help", no_argument, nullptr, 'h'},
-      {"version", no_argument, nullptr, 'v'},         {},
+      {"codec", required_argument, nullptr, 'c'},
+      {"bitrate", required_argument, nullptr, 'b'},
+      {"no-match", no_argument, nullptr, 'n'},
+      {"output", required_argument, nullptr, 'o'},
+      {"by-path", no_argument, nullptr, 'p'},
+      {"resources", required_argument, nullptr, 'r'},
+      {"help", no_argument, nullptr, 'h'},
+      {"version", no_argument, nullptr, 'v'},
+      {},
   };
   DriverOptions options;
   for (int found = 0; (found = getopt_long(count, values, "", known, nullptr)) != -1;) {
@@ -61,6 +66,9 @@ std::optional<DriverOptions> parsedOptions(int count, char** values) {
       case 'o':
         options.output = optarg;
         break;
+      case 'p':
+        options.byPath = true;
+        break;
       case 'r':
         options.resources = optarg;
         break;
@@ -78,6 +86,10 @@ std::optional<DriverOptions> parsedOptions(int count, char** values) {
     complain("the name of a folder is empty");
     return std::nullopt;
   }
+  if (options.byPath && !options.output) {
+    complain("--by-path says where in --output");
+    return std::nullopt;
+  }
   options.files.assign(values + optind, values + count);
   if (options.files.empty()) {
     complain("no file is given");
@@ -87,8 +99,8 @@ std::optional<DriverOptions> parsedOptions(int count, char** values) {
 }
 
 std::string usageText() {
-  return "usage: zarnet-prepare [--codec AAC|MP3|\"Ogg Vorbis\"] [--bitrate KBPS] [--no-match] [--output DIR]"
-         " [--resources DIR] FILE...\n";
+  return "usage: zarnet-prepare [--codec AAC|MP3|\"Ogg Vorbis\"] [--bitrate KBPS] [--no-match] [--output DIR"
+         " [--by-path]] [--resources DIR] FILE...\n";
 }
 
 std::string helpText() {
@@ -104,13 +116,18 @@ JSON object. What is being done is told on standard error.
          bitrateList("MP3") + R"(
   --no-match       keep both versions at their own loudness
   --output DIR     leave the working original, the encoding, its decoding and the check record of each FILE
-                   in a folder in DIR that has the FILE's name without its extension, followed by a number
-                   where two FILEs share one; a folder that is there already is used again: files of the
-                   same names are replaced, others stay
+                   in the folder DIR/NAME/CODEC-KBPS, where NAME is the FILE's name without its extension,
+                   followed by a number where two FILEs share one; a set that is there already is replaced as
+                   a whole once the new one is complete, and nothing else in DIR is touched
+  --by-path        with --output: take the FILE's whole path for NAME, so that equal names never meet, not
+                   even those of other calls at the same time
   --resources DIR  where lame, afconvert and vorbis-tool are
   --help           print this text
   --version        print the version
   --               end the options: names of files follow, even with a leading hyphen
+
+Many files on many cores:
+  find MUSIC -name '*.flac' -print0 | xargs -0 -P $(nproc) -n 1 zarnet-prepare --by-path --output DIR
 
 Ctrl-C cancels and removes what was not finished. Exit status: 0 when every file was prepared, 1 when one was
 not, 2 for a wrong command line, 130 after Ctrl-C.

@@ -16,7 +16,8 @@ struct DriverOptions {
   std::string codec = "AAC";                       ///< as given; not checked here
   std::int64_t bitrate = 256;                      ///< kbps, any number; not checked here
   bool match = true;                               ///< whether loudness is matched
-  std::optional<std::filesystem::path> output;     ///< where to leave the files of each comparison
+  std::optional<std::filesystem::path> output;     ///< where to leave the set of each comparison
+  bool byPath = false;                             ///< whether they are named after the whole path of a file
   std::optional<std::filesystem::path> resources;  ///< where lame, afconvert and vorbis-tool are
   std::vector<std::filesystem::path> files;        ///< not empty when there is something to prepare
 };

@@ -1,7 +1,9 @@
 // zarnet-prepare: prepares comparisons from the command line and prints their check records.
 
-#include "audio/AppError.h"
+#include "audio/AudioInfo.h"
 #include "prepare/AudioPreparer.h"
+#include "prepare/CheckRecord.h"
+#include "prepare/Codecs.h"
 #include "prepare/Resources.h"
 #include "system/DisplayText.h"
 #include "system/FileSystem.h"
@@ -61,29 +63,50 @@ class Progress {
   const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
-/// Prepares one file and returns its check record. `keep` is the folder for the results, if they are wanted.
+/// Prepares one file and returns its check record. `place` is where its results go, if they are wanted.
 std::string preparedRecord(AudioPreparer& preparer, const DriverOptions& options,
-                           const std::filesystem::path& file, const std::filesystem::path* keep) {
+                           const std::filesystem::path& file, const std::filesystem::path* place) {
   if (fileExists(preparer.directory)) preparer.clearTemporaryFiles();  // of the file before
-  const Results results(
-      preparer.prepare(file, newUUID(), options.codec, options.bitrate, options.match, Progress())
-          .encodedURL);
-  std::string record = results.checkRecordText();
-  if (keep != nullptr) {
-    createFolders(*keep);
-    for (const auto& result : {results.original, results.encoded, results.decoded, results.checkRecord}) {
+  inspectAudio(file);                                                  // before folders are made for it
+  const SetNames names(options.codec, options.bitrate);
+  std::optional<ResultSet> set;
+  if (place != nullptr && isAccepted(options.codec, options.bitrate))
+    set.emplace(*place, names, options.files);
+  const PreparedAudio prepared =
+      preparer.prepare(file, newUUID(), options.codec, options.bitrate, options.match, Progress());
+  const std::string record = checkRecordText(prepared, options.codec, options.bitrate, options.match,
+                                             {prepared.original->peak(), prepared.lossy->peak()});
+  if (set) {
+    for (const std::string& name : {names.original, names.encoded, names.decoded}) {
       preparer.checkCancellation();
-      moveAnywhere(result, *keep / result.filename());
+      set->take(prepared.encodedURL.parent_path() / name, [&] { preparer.checkCancellation(); });
     }
+    try {
+      set->writeRecord(record);
+    } catch (const PlatformError& error) {  // a diagnosis is not worth the other three
+      complain(error);
+    }
+    preparer.checkCancellation();
+    set->publish();
   }
   return record;
 }
 
+/// Where the results of each file go; empty when they are not wanted.
+std::vector<std::filesystem::path> places(const DriverOptions& options) {
+  if (!options.output) return {};
+  createFolders(*options.output);
+  const SetNames names(options.codec, options.bitrate);
+  if (!options.byPath) return placesByName(*options.output, options.files, names);
+  std::vector<std::filesystem::path> result;
+  for (const std::filesystem::path& file : options.files)
+    result.push_back(placeByPath(*options.output, file, names));
+  return result;
+}
+
 /// Prepares every file; returns the exit status.
 int prepareAll(const DriverOptions& options, const sigset_t& signals) {
-  if (options.output) createFolders(*options.output);
-  const std::vector<std::filesystem::path> folders =
-      options.output ? resultFolders(*options.output, options.files) : std::vector<std::filesystem::path>();
+  const std::vector<std::filesystem::path> folders = places(options);
   AudioPreparer preparer(options.resources.value_or(resourcesFolder()) / "lame");
   const StopSignals stopSignals(
       signals, [&] { preparer.cancel(); },
