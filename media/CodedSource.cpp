@@ -7,7 +7,10 @@
 #include "system/PlatformError.h"
 
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <string>
@@ -112,6 +115,22 @@ bool hasValidChecksum(const AVPacket& frame) {
   return av_crc(av_crc_get_table(AV_CRC_16_ANSI), 0, frame.data, static_cast<std::size_t>(frame.size)) == 0;
 }
 
+/// The number of a FLAC frame: of the frame itself or, where blocks differ in length, of its first sample.
+/// Requires: the frame is whole.
+std::int64_t numberOf(const AVPacket& frame) {
+  // As UTF-8 has it, with up to seven bytes (RFC 9639, section 9.1.5).
+  const std::uint8_t* bytes = frame.data + 4;
+  const int count = std::countl_one(*bytes);
+  std::int64_t number = *bytes & (0x7F >> count);
+  for (int i = 1; i < count; ++i)
+    number = number << 6 | (bytes[i] & 0x3F);
+  return number;
+}
+
+bool countsSamples(const AVPacket& frame) {
+  return (frame.data[1] & 1) != 0;
+}
+
 /// Decodes the audio stream of a file from its start or from a place near its end. Trims what the decoder
 /// trims by itself: the delay and padding of MP3 and Ogg streams, the priming of MPEG-4 ones.
 class Decoder {
@@ -121,11 +140,10 @@ class Decoder {
   AVStream& stream() const { return *input.audioStream(); }
   const AVFormatContext& container() const { return *input.context(); }
   std::string_view containerName() const { return container().iformat->name; }
-  /// Goes on with the packet that holds a time (in units of the stream), or one before it. False when it
-  /// cannot.
-  bool seek(std::int64_t time) {
-    return av_seek_frame(input.context(), stream().index, time, AVSEEK_FLAG_BACKWARD) >= 0;
-  }
+  /// Goes on with the packet a second before the end, or an earlier one. False when it cannot.
+  bool seekNearEnd();
+  /// What the decoder was fed with last.
+  const AVPacket& latestPacket() const { return *packet; }
   /// The next frame that is not empty; nothing at the end. Damage is passed over in a lossy stream; in a
   /// lossless one it raises, unless nothing follows it: then the file was cut off there.
   const AVFrame* next();
@@ -159,6 +177,15 @@ Decoder::Decoder(const FileHandle& source) : file(source), input(source) {
                         " could not be opened: FLAC audio of more than 24 bits is not supported.");
   }
   codec->pkt_timebase = stream().time_base;
+}
+
+bool Decoder::seekNearEnd() {
+  const AVRational wholeContainer = {1, AV_TIME_BASE};
+  const AVRational unit = stream().time_base;
+  const std::int64_t end =
+      stream().duration > 0 ? stream().duration : av_rescale_q(container().duration, wholeContainer, unit);
+  const std::int64_t time = std::max<std::int64_t>(0, end - av_rescale_q(1, {1, 1}, unit));
+  return av_seek_frame(input.context(), stream().index, time, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
 const AVFrame* Decoder::next() {
@@ -200,18 +227,32 @@ void Decoder::fail(const char* reason) const {
   throw PlatformError(quotedName(file.location()) + " could not be decoded: " + reason + ".");
 }
 
+class EmptySource : public AudioSource {
+ public:
+  explicit EmptySource(const CafStream& stream)
+      : description{stream.sampleRate, stream.formatID, stream.channels, 0} {}
+
+  const StreamDescription& fileFormat() const override { return description; }
+  std::int64_t length() override { return 0; }
+  std::int64_t read(float* const*, std::int64_t) override { return 0; }
+
+ private:
+  const StreamDescription description;
+};
+
 class CodedSource : public AudioSource {
  public:
-  explicit CodedSource(const FileHandle& source);
+  CodedSource(const FileHandle& source, const std::optional<CafStream>& caf);
 
   const StreamDescription& fileFormat() const override { return description; }
   std::int64_t length() override;
   std::int64_t read(float* const* planes, std::int64_t frames) override;
 
  private:
-  bool isFlacInCaf() const;
+  bool isFlac() const { return decoder.stream().codecpar->codec_id == AV_CODEC_ID_FLAC; }
   std::int64_t announcedFrames() const;
   std::optional<std::int64_t> confirmedFrames() const;
+  std::optional<std::int64_t> endOfFlac() const;
   std::int64_t countAll() const;
   void convert(float* const* planes, std::int64_t offset, int count);
 
@@ -228,15 +269,16 @@ class CodedSource : public AudioSource {
   std::vector<float*> targets;
 };
 
-CodedSource::CodedSource(const FileHandle& source)
+CodedSource::CodedSource(const FileHandle& source, const std::optional<CafStream>& caf)
     : file(source),
       decoder(source),
       description(describe(*decoder.stream().codecpar)),
       targets(description.channelsPerFrame) {
-  if (decoder.containerName() == "caf") {
-    if (const auto table = isFlacInCaf() ? std::nullopt : findPacketTable(file)) {
-      dropped = table->primingFrames;
-      limit = table->validFrames;
+  if (caf) {
+    // The packet table of FLAC is not needed, and wrong where its writer took all blocks to be of one length.
+    if (!isFlac() && caf->validFrames > 0) {
+      dropped = caf->primingFrames;
+      limit = caf->validFrames;
     }
   } else if (decoder.containerName().starts_with("mov")) {
     const std::int64_t tagged = framesStatedByTag(decoder.container().metadata);
@@ -246,39 +288,68 @@ CodedSource::CodedSource(const FileHandle& source)
   toDrop = dropped;
 }
 
-/// What such a container says of frames is not needed, and wrong where its writer took all to be of one
-/// length.
-bool CodedSource::isFlacInCaf() const {
-  return decoder.containerName() == "caf" && decoder.stream().codecpar->codec_id == AV_CODEC_ID_FLAC;
-}
-
 /// The total that the container states in whole frames; 0 when it states none, or none that can be relied on.
 std::int64_t CodedSource::announcedFrames() const {
   const AVStream& stream = decoder.stream();
   const AVRational frameTime = {1, stream.codecpar->sample_rate};
   const bool exact = stream.time_base.num == 1 && frameTime.den % stream.time_base.den == 0;
-  if (!exact || stream.duration <= 0 || isFlacInCaf()) return 0;
+  if (!exact || stream.duration <= 0) return 0;
   return av_rescale_q(stream.duration, stream.time_base, frameTime);
 }
 
 /// The number of frames of a lossless file, when its last packets end where its container says that it ends.
 std::optional<std::int64_t> CodedSource::confirmedFrames() const {
-  const std::int64_t announced = announcedFrames();
   if (decoder.containerName() == "ogg") return std::nullopt;  // a damaged page shows only on the way there
-  if (announced == 0 || dropped > 0 || !isLossless(decoder.stream().codecpar->codec_id)) return std::nullopt;
+  if (dropped > 0 || !isLossless(decoder.stream().codecpar->codec_id)) return std::nullopt;
+  if (isFlac()) return endOfFlac();
+  const std::int64_t announced = limit < endless ? limit : announcedFrames();
+  if (announced == 0) return std::nullopt;
   Decoder tail(file);
-  if (!tail.seek(tail.stream().duration - 1)) return std::nullopt;
+  if (!tail.seekNearEnd()) return std::nullopt;
   std::int64_t end = 0;
+  std::int64_t fullEnd = 0;  // if the last packet were as long as the longest
+  std::int64_t longest = 0;
   while (const AVFrame* last = tail.next()) {
     if (last->pts == AV_NOPTS_VALUE) return std::nullopt;
     const AVRational frameTime = {1, last->sample_rate};
     const std::int64_t first = av_rescale_q(last->pts, tail.stream().time_base, frameTime);
     if (first > endless / 2) return std::nullopt;
     end = first + last->nb_samples;
+    longest = std::max<std::int64_t>(longest, last->nb_samples);
+    fullEnd = first + longest;
   }
-  // An edit list may end before the last packet does.
-  const bool confirmed = end == announced || (end > announced && limit == announced);
+  // An edit list or a packet table may end before the last packet does; a packet table may count the last
+  // packet as full although it is not.
+  const bool confirmed = end == announced || (end > announced && limit == announced) ||
+                         (end < announced && limit == announced && fullEnd == announced);
   return confirmed ? std::optional(std::min(end, limit)) : std::nullopt;
+}
+
+/// The number of frames up to the end of the last packet, when that packet has the number that fits the time
+/// at which its container puts it. Writers of CAF may give every packet an average length: there, the number
+/// has to be that of such lengths.
+std::optional<std::int64_t> CodedSource::endOfFlac() const {
+  Decoder tail(file);
+  const AVRational unit = tail.stream().time_base;
+  const AVRational frameTime = {1, tail.stream().codecpar->sample_rate};
+  if (!tail.seekNearEnd()) return std::nullopt;
+  std::int64_t end = 0;
+  std::int64_t blockFrames = 0;  // of the packet before, like the next
+  double timeBefore = 0;
+  while (const AVFrame* last = tail.next()) {
+    const AVPacket& packet = tail.latestPacket();
+    if (last->pts == AV_NOPTS_VALUE) return std::nullopt;
+    const std::int64_t number = numberOf(packet);
+    const std::int64_t first = countsSamples(packet) ? number : number * blockFrames;
+    const auto time = static_cast<double>(last->pts);  // a damaged file may state any
+    const bool inTime = std::abs(time - static_cast<double>(av_rescale_q(first, frameTime, unit))) <= 1;
+    const bool inTurn = decoder.containerName() == "caf" && !countsSamples(packet) &&
+                        time == static_cast<double>(number) * (time - timeBefore);
+    blockFrames = last->nb_samples;
+    timeBefore = time;
+    end = inTime || inTurn ? first + blockFrames : 0;
+  }
+  return end > 0 ? std::optional(std::min(end, limit)) : std::nullopt;
 }
 
 std::int64_t CodedSource::countAll() const {
@@ -340,7 +411,13 @@ void CodedSource::convert(float* const* planes, std::int64_t offset, int count) 
 }  // namespace
 
 std::unique_ptr<AudioSource> makeCodedSource(const FileHandle& file) {
-  return std::make_unique<CodedSource>(file);
+  const std::optional<CafStream> caf = findCafStream(file);
+  if (caf && !(std::isfinite(caf->sampleRate) && caf->sampleRate > 0)) {
+    throw PlatformError(quotedName(file.location()) +
+                        " could not be opened: It states no possible sample rate.");
+  }
+  if (caf && caf->empty) return std::make_unique<EmptySource>(*caf);
+  return std::make_unique<CodedSource>(file, caf);
 }
 
 }  // namespace zarnet

@@ -295,20 +295,32 @@ std::optional<LinearPCM> findLinearPCM(const FileHandle& file) {
   return std::nullopt;
 }
 
-std::optional<PacketTable> findPacketTable(const FileHandle& file) {
+std::optional<CafStream> findCafStream(const FileHandle& file) {
+  constexpr std::int64_t editCountBytes = 4;
   Bytes<12> start;
   if (!readAt(file, 0, start) || !isCaf(start)) return std::nullopt;
-  std::optional<PacketTable> found;
+  CafStream stream;
   walkCafChunks(file, [&](const Chunk& chunk) {
-    if (chunk.code != fourCharacterCode("pakt")) return true;
-    Bytes<24> table;
-    if (chunk.size < 24 || !readAt(file, chunk.offset, table)) return false;
-    const PacketTable stated = {loadBigEndian<std::int32_t>(&table[16]),
-                                loadBigEndian<std::int64_t>(&table[8])};
-    if (stated.primingFrames >= 0 && stated.validFrames > 0) found = stated;
-    return false;
+    if (Bytes<32> description;
+        chunk.code == fourCharacterCode("desc") && readAt(file, chunk.offset, description)) {
+      stream.sampleRate = loadBigEndian<double>(&description[0]);
+      stream.formatID = codeAt(&description[8]);
+      stream.channels = loadBigEndian<std::uint32_t>(&description[24]);
+    } else if (Bytes<24> table;
+               chunk.code == fourCharacterCode("pakt") && readAt(file, chunk.offset, table)) {
+      const auto valid = loadBigEndian<std::int64_t>(&table[8]);
+      const auto priming = loadBigEndian<std::int32_t>(&table[16]);
+      if (loadBigEndian<std::int64_t>(&table[0]) == 0) stream.empty = true;
+      if (priming >= 0 && valid > 0) {
+        stream.primingFrames = priming;
+        stream.validFrames = valid;
+      }
+    } else if (chunk.code == fourCharacterCode("data")) {
+      if (chunk.size == editCountBytes) stream.empty = true;
+    }
+    return true;
   });
-  return found;
+  return stream.formatID != 0 ? std::optional(stream) : std::nullopt;
 }
 
 }  // namespace zarnet

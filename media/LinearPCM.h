@@ -27,13 +27,17 @@ struct LinearPCM {
 /// damaged. Raises a `PlatformError` only when the file cannot be read.
 std::optional<LinearPCM> findLinearPCM(const FileHandle& file);
 
-/// How many frames of a compressed stream are meant to be heard.
-struct PacketTable {
+/// What a Core Audio Format file states about its stream, linear PCM or not.
+struct CafStream {
+  double sampleRate = 0;       ///< Hz, any number
+  std::uint32_t formatID = 0;  ///< a four-character code
+  std::uint32_t channels = 0;
+  bool empty = false;              ///< there is no packet
   std::int64_t primingFrames = 0;  ///< to be dropped at the start
-  std::int64_t validFrames = 0;    ///< that follow them
+  std::int64_t validFrames = 0;    ///< that follow them; 0 where there is no packet table that makes sense
 };
 
-/// The packet table of a Core Audio Format file; nothing when there is none that makes sense.
-std::optional<PacketTable> findPacketTable(const FileHandle& file);
+/// Nothing for any other file, and without a whole description.
+std::optional<CafStream> findCafStream(const FileHandle& file);
 
 }  // namespace zarnet

@@ -1,8 +1,13 @@
 #include "audio/AppError.h"
 #include "audio/AudioInfo.h"
+#include "system/UserError.h"
 #include "tests/support/Failures.h"
 #include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -43,6 +48,34 @@ TEST(InspectAudio, DrawsItsLimitsInOrder) {
     const auto file = test::writeHollowWave(scratch / "x\xe9.wav", 8000, channels, 8, frames, tag);
     EXPECT_EQ(test::failureOf<AppError>([&] { inspectAudio(file); }), expected)
         << "tag " << tag << ", " << channels << " × " << frames;
+  }
+}
+
+TEST(InspectAudio, RefusesACafFileWithoutPacketsOrWithoutAPossibleRate) {
+  const ScratchFolder scratch;
+  const auto chunk = [](const std::string& code, const std::string& content) {
+    return code + test::bigEndian(content.size(), 8) + content;
+  };
+  const auto caf = [&](double rate, const std::string& code) {
+    const std::string stream = test::bigEndian(std::bit_cast<std::uint64_t>(rate), 8) + code +
+                               test::bigEndian(0, 8) + test::bigEndian(4096, 4) + test::bigEndian(2, 4) +
+                               test::bigEndian(0, 4);
+    return "caff" + test::bigEndian(0x1'0000, 4) + chunk("desc", stream) +
+           chunk("pakt", std::string(24, '\0')) + chunk("data", std::string(4, '\0'));
+  };
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  const std::string impossible = "“x” could not be opened: It states no possible sample rate.";
+  const std::tuple<double, std::string, std::string> cases[] = {
+      {48000, "alac", "This file contains no playable audio."},
+      {48000, "aac ", "x is already lossy. Choose its original WAV, AIFF, FLAC or Apple Lossless file."},
+      {infinite, "alac", impossible},
+      {-infinite, "lpcm", impossible},
+      {std::nan(""), "alac", impossible},
+      {0, "alac", impossible},
+  };
+  for (const auto& [rate, code, expected] : cases) {
+    const auto file = test::writeFile(scratch / "x", caf(rate, code));
+    EXPECT_EQ(test::failureOf<UserError>([&] { inspectAudio(file); }), expected) << code << " at " << rate;
   }
 }
 

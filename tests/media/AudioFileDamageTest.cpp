@@ -28,12 +28,13 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
   writeWave(scratch / "in.wav", noise(48000, 2, count, 0.5, 3), SampleType::int16);
   runScript(scratch.path(), R"(
     ffmpeg -i in.wav -bitexact -rf64 always rf64.wav -bitexact a.aiff -bitexact a.caf \
-      -c:a alac -sample_fmt s16p -movflags faststart a.m4a)");
+      -c:a alac -sample_fmt s16p -movflags faststart a.m4a -c:a alac -sample_fmt s16p alac.caf)");
   const std::string wave = readFile(scratch / "in.wav");
   const std::string wide = readFile(scratch / "rf64.wav");
   const std::string aiff = readFile(scratch / "a.aiff");
   const std::string caf = readFile(scratch / "a.caf");
   const std::string alac = readFile(scratch / "a.m4a");
+  const std::string table = readFile(scratch / "alac.caf");
   const std::string zero(4, '\0');
   const struct {
     const char* name;
@@ -52,6 +53,8 @@ TEST(AudioFileDamage, AFileHoldsTheWholeFramesThatAreThereWhateverItAnnounces) {
       {"AIFF that announces billions", patched(aiff, "COMM", 6, bigEndian(0xFFFFFFFF, 4)), count},
       {"AIFF that announces fewer frames", patched(aiff, "COMM", 6, bigEndian(7, 4)), 7},
       {"CAF, open-ended", patched(caf, "data", 0, bigEndian(~0ULL, 8)), count},
+      {"a packet table with the real length", patched(table, "pakt", 16, bigEndian(count, 8)), count},
+      {"a packet table with fewer frames", patched(table, "pakt", 16, bigEndian(50'000, 8)), 50'000},
       {"Apple Lossless cut off", alac.substr(0, alac.size() - 1), 12L * 4096},
   };
   const std::vector<std::vector<float>> whole = readSignal(scratch / "in.wav").planes;

@@ -1,6 +1,7 @@
 // What the reader makes of whole files as real encoders write them.
 
 #include "media/AudioFileReader.h"
+#include "system/PlatformError.h"
 #include "tests/support/Programs.h"
 #include "tests/support/Signals.h"
 
@@ -65,6 +66,25 @@ TEST(AudioFormats, EveryLosslessSampleArrivesExactlyAndLossyFilesNameTheirFormat
     } else {
       EXPECT_EQ(readSignal(scratch / name).planes, source.planes);
     }
+  }
+}
+
+TEST(AudioFormats, TheLengthOfALosslessFileIsKnownWithoutReadingAllOfIt) {
+  const ScratchFolder scratch;
+  constexpr std::int64_t count = 480'021;
+  writeWave(scratch / "in.wav", noise(48000, 2, count, 0.5, 7), SampleType::int16);
+  runScript(scratch.path(), R"(
+    ffmpeg -i in.wav -c:a alac a.caf -c:a alac a.m4a -c:a flac -strict -2 flac.mp4 -c:a flac a.mka \
+      -c:a flac flac.caf -c:a flac a.oga
+    flac -s in.wav)");
+  for (const char* name : {"a.caf", "a.m4a", "flac.mp4", "a.mka", "flac.caf", "a.oga", "in.flac"}) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(readSignal(scratch / name).count(), count);
+    std::string damaged = readFile(scratch / name);
+    damaged.replace(damaged.size() / 4, 1000, 1000, '\xFF');
+    writeFile(scratch / name, damaged);
+    EXPECT_EQ(AudioFileReader(scratch / name).length(), count);
+    EXPECT_THROW(readSignal(scratch / name), PlatformError);
   }
 }
 

@@ -191,6 +191,7 @@ TEST(Flac, IsNotDamagedWhereItsChecksumAgreesOrNothingCanTell) {
       {"ID3v2 in front", id3 + whole, count, ""},
       {"Ogg without total and checksum", ogg, count, ""},
       {"Ogg cut off", ogg.substr(0, ogg.size() - 1), 12L * 4096, ""},
+      {"Ogg without frames", ogg.substr(0, ogg.find("OggS", ogg.find("OggS", 4) + 4)), 0, ""},
       {"no frames", bare.withTotal(0).with("").file(), 0, ""},
       {"cut off", whole.substr(0, whole.size() - 50), 0, unequal},
       {"cut off behind its header", flac.with("").file(), 0, unequal},
