@@ -217,7 +217,7 @@ QWidget* ListenScreen::loopControls() {
   column->setContentsMargins(20, 20, 20, 20);
   column->setSpacing(14);
   auto* toggle = new CheckBox(QStringLiteral("Loop a section"));
-  connect(toggle, &QAbstractButton::clicked, this, [this](bool on) { model.setLoop(on); });
+  connect(toggle, &QAbstractButton::toggled, this, [this](bool on) { model.setLoop(on); });
   auto* range = new ClockText(TextStyle::title);
   auto* start = new Button(Button::Kind::standard, QStringLiteral("Set start"));
   auto* end = new Button(Button::Kind::standard, QStringLiteral("Set end"));
@@ -232,6 +232,7 @@ QWidget* ListenScreen::loopControls() {
   column->addWidget(range);
   column->addLayout(row);
   follow([this, toggle, range] {
+    const QSignalBlocker quiet(toggle);
     toggle->setChecked(model.loop);
     range->setText(rangeText(model.loopStart, model.loopEnd));
   });

@@ -28,7 +28,7 @@ NativeSettings::NativeSettings(NativeModel& ofModel, QWidget* parent)
   theme->setAccessibleName(QStringLiteral("Theme"));
   glass->setAccessibleName(QStringLiteral("Liquid Glass"));
   connect(theme, &SegmentedPicker::picked, this, [this](int index) { model.appearance = values.at(index); });
-  connect(glass, &QAbstractButton::clicked, this, [this](bool on) { model.glass = on; });
+  connect(glass, &QAbstractButton::toggled, this, [this](bool on) { model.glass = on; });
 
   auto* title = new QHBoxLayout;
   title->setSpacing(8);
@@ -72,6 +72,7 @@ NativeSettings::NativeSettings(NativeModel& ofModel, QWidget* parent)
   follow([this] {
     const auto* place = std::find(values.begin(), values.end(), *model.appearance);
     theme->choose(place == values.end() ? -1 : static_cast<int>(place - values.begin()));
+    const QSignalBlocker quiet(glass);
     glass->setChecked(model.glass);
   });
 }

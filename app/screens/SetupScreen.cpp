@@ -132,7 +132,7 @@ QWidget* SetupScreen::settingsRow() {
           [this, rate](int index) { model.rate = rate->itemData(index).toLongLong(); });
 
   auto* match = new CheckBox(QStringLiteral("Match loudness"));
-  connect(match, &QAbstractButton::clicked, this, [this](bool on) { model.match = on; });
+  connect(match, &QAbstractButton::toggled, this, [this](bool on) { model.match = on; });
 
   row->addLayout(labelled(new Text(TextStyle::callout, QStringLiteral("Format")), format));
   row->addLayout(labelled(rateCaption, rate));
@@ -152,6 +152,7 @@ QWidget* SetupScreen::settingsRow() {
       }
     }
     rate->setCurrentIndex(rate->findData(static_cast<qlonglong>(*model.rate)));
+    const QSignalBlocker quiet(match);
     match->setChecked(model.match);
   });
   return panel;

@@ -26,17 +26,14 @@ Slider::Slider(double step, QWidget* parent) : QSlider(Qt::Horizontal, parent) {
   setPageStep(4 * singleStep());
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_Hover);
-  connect(this, &QSlider::valueChanged, this, [this](int value) {
-    if (!displaying) Q_EMIT moved(value / resolution);
-  });
+  connect(this, &QSlider::valueChanged, this, [this](int value) { Q_EMIT moved(value / resolution); });
 }
 
 void Slider::display(double amount, double most) {
   if (isSliderDown()) return;
-  displaying = true;
+  const QSignalBlocker quiet(this);
   setRange(0, counted(most));  // may push the old value into the new range, which is no wish of the user's
   setValue(counted(amount));
-  displaying = false;
 }
 
 int Slider::valueAt(double x) const {

@@ -36,7 +36,6 @@ class Slider : public QSlider {
 
  private:
   int valueAt(double x) const;
-  bool displaying = false;
 };
 
 }  // namespace zarnet

@@ -50,17 +50,24 @@ Switch::Switch(QWidget* parent) : ButtonBase(parent) {
     knob = value.toDouble();
     update();
   });
-  connect(this, &QAbstractButton::toggled, this, [this](bool on) {
-    slide.stop();
-    if (!motionAllowed() || !isVisible()) {
-      knob = on ? 1 : 0;
-      update();
-      return;
-    }
-    slide.setStartValue(knob);
-    slide.setEndValue(on ? 1.0 : 0.0);
-    slide.start();
-  });
+}
+
+void Switch::checkStateSet() {
+  slide.stop();
+  const double goal = isChecked() ? 1 : 0;
+  if (!motionAllowed() || !isVisible()) {
+    knob = goal;
+    update();
+    return;
+  }
+  slide.setStartValue(knob);
+  slide.setEndValue(goal);
+  slide.start();
+}
+
+void Switch::nextCheckState() {
+  ButtonBase::nextCheckState();
+  checkStateSet();
 }
 
 void Switch::paint(QPainter& painter) {

@@ -29,6 +29,8 @@ class Switch : public ButtonBase {
 
  protected:
   void paint(QPainter& painter) override;
+  void checkStateSet() override;
+  void nextCheckState() override;
 
  private:
   QVariantAnimation slide;
