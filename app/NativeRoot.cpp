@@ -17,6 +17,7 @@
 #include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -76,8 +77,10 @@ NativeRoot::NativeRoot(NativeModel& ofModel, std::function<void(double)> heightR
   new FocusRing(content);
 
   follow([this] {
+    QWidget* focused = window()->focusWidget();
     showScreen();
     showSheets();
+    keepFocus(focused);
     update();
   });
 }
@@ -122,7 +125,30 @@ void NativeRoot::announce() {
   // A screen reader speaks the new screen's name, and goes on from its first control.
   QAccessibleEvent event(shown, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
-  shown->firstFocus()->setFocus(Qt::OtherFocusReason);
+  focusOn(shown->firstFocus());
+}
+
+void NativeRoot::keepFocus(QWidget* before) {
+  const auto takes = [this](const QWidget* control) {
+    return control != nullptr && control->isEnabled() && control->isVisibleTo(this);
+  };
+  if (before != nullptr && content->isAncestorOf(before) && !takes(before)) {
+    before->clearFocus();
+    lostFocus = before;
+    focusIsLost = true;
+  }
+  if (window()->focusWidget() != nullptr) focusIsLost = false;
+  if (!focusIsLost) return;
+  // The same control once it is back; while there is neither, as during an import, it stays lost.
+  QWidget* next = takes(lostFocus) ? lostFocus.data() : shown->nextFocus();
+  if (takes(next)) focusOn(next);
+}
+
+void NativeRoot::focusOn(QWidget* control) {
+  focusIsLost = false;
+  control->setFocus(Qt::OtherFocusReason);
+  // Once everything is laid out, which takes several posted events.
+  QTimer::singleShot(0, control, [this, control] { scroll->ensureWidgetVisible(control, 0, padding); });
 }
 
 void NativeRoot::showSheets() {
@@ -138,7 +164,6 @@ void NativeRoot::showSheets() {
     busySheet->close();
     busySheet->deleteLater();
     busySheet = nullptr;
-    shown->firstFocus()->setFocus(Qt::OtherFocusReason);  // what had the focus was disabled meanwhile
   }
   if (model.error->has_value() && alert == nullptr && busySheet == nullptr) {
     alert = new AlertSheet(window(), QStringLiteral("Zarnet"), **model.error, {QStringLiteral("OK")});

@@ -47,6 +47,8 @@ class NativeRoot : public ModelView {
   void showScreen();
   void announce();
   void showSheets();
+  void keepFocus(QWidget* before);
+  void focusOn(QWidget* control);
   void reportHeight();
   void setTargeted(bool targeted);
   bool takesDrops() const;
@@ -66,6 +68,9 @@ class NativeRoot : public ModelView {
   QPointer<AlertSheet> alert;
 
   std::pair<Stage, std::int64_t> announced{Stage::setup, 0};  ///< stage and track that were announced last
+
+  QPointer<QWidget> lostFocus;  ///< the control that had the focus until it was disabled or hidden
+  bool focusIsLost = false;
 
   bool targeted = false;
   double reportedHeight = 0;

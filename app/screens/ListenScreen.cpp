@@ -61,6 +61,10 @@ QWidget* ListenScreen::firstFocus() const {
   return revealed() ? static_cast<QWidget*>(save) : play;
 }
 
+QWidget* ListenScreen::nextFocus() const {
+  return revealed() ? firstFocus() : firstAnswer;
+}
+
 void ListenScreen::addShortcut(const QKeySequence& key, std::function<void()> action) {
   auto* shortcut = new QShortcut(key, this);
   shortcut->setAutoRepeat(false);
@@ -262,7 +266,8 @@ QWidget* ListenScreen::question() {
   auto* answers = new QWidget;
   answers->setMaximumWidth(460);
   auto* row = bareRow(answers, 10);
-  row->addWidget(preference(QStringLiteral("A"), QStringLiteral("A")), 1);
+  firstAnswer = preference(QStringLiteral("A"), QStringLiteral("A"));
+  row->addWidget(firstAnswer, 1);
   row->addWidget(preference(QStringLiteral("B"), QStringLiteral("B")), 1);
   row->addWidget(preference(QStringLiteral("I can’t tell"), QStringLiteral("same")), 1);
   auto* confirm = new Button(Button::Kind::prominent);
@@ -278,7 +283,7 @@ QWidget* ListenScreen::question() {
   return panel;
 }
 
-QWidget* ListenScreen::preference(const QString& label, const QString& value) {
+SelectableButton* ListenScreen::preference(const QString& label, const QString& value) {
   auto* button = new AnswerButton(label);
   connect(button, &QAbstractButton::clicked, this, [this, value] { model.vote = value; });
   follow([this, button, value] { button->setSelected(*model.vote == value); });

@@ -7,6 +7,7 @@ namespace zarnet {
 class Button;
 class PlayButton;
 class Popover;
+class SelectableButton;
 
 /// The screen of a comparison: the track, its playback, the two sides, and the question; in stage reveal the
 /// truth and the verdict in place of the question. Space plays and pauses, the keys A and B choose the side
@@ -17,6 +18,7 @@ class ListenScreen : public Screen {
  public:
   explicit ListenScreen(NativeModel& model);
   QWidget* firstFocus() const override;
+  QWidget* nextFocus() const override;
 
  private:
   QWidget* header();
@@ -27,7 +29,7 @@ class ListenScreen : public Screen {
   QWidget* version(const QString& side);
   QWidget* question();
   QWidget* verdict();
-  QWidget* preference(const QString& label, const QString& value);
+  SelectableButton* preference(const QString& label, const QString& value);
 
   bool revealed() const { return *model.stage == Stage::reveal; }
   void toggleLoopControls();
@@ -36,6 +38,7 @@ class ListenScreen : public Screen {
   PlayButton* const play;
   Button* const loopButton;
   Button* const save;
+  SelectableButton* firstAnswer = nullptr;
   Popover* popover = nullptr;  ///< made when it is first opened
   bool showingLoop = false;
 };

@@ -1,6 +1,7 @@
 #include "app/screens/ModelView.h"
 
 #include <QMetaObject>
+#include <QScopedValueRollback>
 #include <utility>
 
 namespace zarnet {
@@ -28,6 +29,7 @@ void ModelView::changed(const Property& property) {
 
 void ModelView::refresh() {
   if (isHidden()) return;
+  const QScopedValueRollback running(refreshing, true);
   const bool all = std::exchange(dirty, false);
   if (all) {
     for (const auto& follower : followers)
@@ -37,6 +39,10 @@ void ModelView::refresh() {
     for (const auto& follower : positionFollowers)
       follower();
   }
+}
+
+bool ModelView::focusNextPrevChild(bool next) {
+  return !refreshing && QWidget::focusNextPrevChild(next);
 }
 
 void ModelView::showEvent(QShowEvent* event) {

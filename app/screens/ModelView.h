@@ -11,7 +11,8 @@ namespace zarnet {
 
 /// A widget that follows the model. What it shows is told to it as followers, at any time; a change of the
 /// model marks it dirty, and its followers run once in the next turn of the event loop, however many
-/// properties changed. While it is hidden they wait until it is shown. Interface thread.
+/// properties changed. While it is hidden they wait until it is shown. What they disable or hide does not
+/// pass the focus on: `NativeRoot` finds a place for it. Interface thread.
 class ModelView : public QWidget {
   Q_OBJECT
 
@@ -29,6 +30,7 @@ class ModelView : public QWidget {
   void followPosition(std::function<void()> follower);
 
   void showEvent(QShowEvent* event) override;
+  bool focusNextPrevChild(bool next) override;
 
   NativeModel& model;
 
@@ -39,6 +41,7 @@ class ModelView : public QWidget {
   std::vector<std::function<void()>> positionFollowers;
   bool dirty = false;
   bool positionDirty = false;
+  bool refreshing = false;
   Subscription subscription;
 };
 
@@ -51,6 +54,8 @@ class Screen : public ModelView {
 
   /// What takes the focus when the screen's stage begins.
   virtual QWidget* firstFocus() const = 0;
+  /// What takes it when the control that had it was disabled or hidden meanwhile.
+  virtual QWidget* nextFocus() const { return firstFocus(); }
 };
 
 }  // namespace zarnet

@@ -29,7 +29,9 @@ QVBoxLayout* labelled(Text* caption, QWidget* control) {
 }  // namespace
 
 SetupScreen::SetupScreen(NativeModel& ofModel)
-    : Screen(ofModel), start(new Button(Button::Kind::prominent, QStringLiteral("Start blind comparison"))) {
+    : Screen(ofModel),
+      choose(new Button(Button::Kind::standard, QStringLiteral("Choose audio…"))),
+      start(new Button(Button::Kind::prominent, QStringLiteral("Start blind comparison"))) {
   auto* stack = bareColumn(this, 24);
   setAccessibleName(QStringLiteral("Tracks and settings"));
   stack->addWidget(songPanel());
@@ -39,6 +41,10 @@ SetupScreen::SetupScreen(NativeModel& ofModel)
 
 QWidget* SetupScreen::firstFocus() const {
   return start;
+}
+
+QWidget* SetupScreen::nextFocus() const {
+  return model.songs().empty() ? choose : start;
 }
 
 QWidget* SetupScreen::songPanel() {
@@ -95,7 +101,6 @@ QWidget* SetupScreen::emptyPanel() {
 
   auto* heading = new Text(TextStyle::title, QStringLiteral("Import your audio."));
   auto* line = new Text(TextStyle::body, QStringLiteral("Drop one or more lossless songs here"));
-  auto* choose = new Button(Button::Kind::standard, QStringLiteral("Choose audio…"));
   auto* caption = new Text(TextStyle::caption, QStringLiteral("AIFF, WAV, FLAC or Apple Lossless"));
   auto* spinner = new Spinner(18);
   caption->setSecondary(true);
@@ -110,7 +115,7 @@ QWidget* SetupScreen::emptyPanel() {
   column->addWidget(choose, 0, Qt::AlignHCenter);
   column->addWidget(caption);
   column->addWidget(spinner, 0, Qt::AlignHCenter);
-  follow([this, choose, spinner] {
+  follow([this, spinner] {
     choose->setEnabled(!model.importing);
     spinner->setVisible(model.importing);
   });

@@ -13,6 +13,7 @@ class SetupScreen : public Screen {
  public:
   explicit SetupScreen(NativeModel& model);
   QWidget* firstFocus() const override;
+  QWidget* nextFocus() const override;
 
  private:
   QWidget* songPanel();
@@ -20,6 +21,7 @@ class SetupScreen : public Screen {
   QWidget* settingsRow();
   QWidget* startRow();
 
+  Button* const choose;
   Button* const start;
 };
 

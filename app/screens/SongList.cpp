@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace zarnet {
@@ -87,11 +88,13 @@ SongList::SongList(QWidget* controlBefore, std::function<void(const Song&)> remo
 void SongList::setSongs(const std::vector<Song>& next) {
   // Songs are appended and removed, never moved: a row stays as long as its song comes next in the list.
   std::size_t kept = 0;
+  std::optional<std::size_t> focused;  // the place of a row that goes and had the focus
   std::erase_if(rows, [&](Row* row) {
     if (kept < next.size() && row->song.id == next[kept].id) {
       ++kept;
       return false;
     }
+    if (window()->focusWidget() == row->button) focused = kept;
     row->hide();
     row->deleteLater();
     if (QWidget* group = row->parentWidget(); group->layout()->isEmpty()) group->deleteLater();
@@ -99,7 +102,9 @@ void SongList::setSongs(const std::vector<Song>& next) {
   });
   songs = next;
   addPortion();
-  if (!rows.empty()) rows.front()->divider->hide();
+  if (rows.empty()) return;
+  rows.front()->divider->hide();
+  if (focused) rows[std::min(*focused, rows.size() - 1)]->button->setFocus(Qt::OtherFocusReason);
 }
 
 void SongList::addPortion() {

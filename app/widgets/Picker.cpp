@@ -9,6 +9,7 @@
 #include <QAccessible>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollArea>
 
 namespace zarnet {
 
@@ -43,6 +44,13 @@ void Picker::paintEvent(QPaintEvent*) {
 }
 
 void Picker::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown) return event->ignore();
+  // Nothing changes unseen: a picker that is scrolled out of view comes into it and takes the next key.
+  QWidget* around = parentWidget();
+  while (around != nullptr && qobject_cast<QScrollArea*>(around) == nullptr)
+    around = around->parentWidget();
+  if (around != nullptr && visibleRegion() != QRegion(rect()))
+    return static_cast<QScrollArea*>(around)->ensureWidgetVisible(this);
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return showPopup();
   QComboBox::keyPressEvent(event);
 }
