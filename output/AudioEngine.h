@@ -33,7 +33,12 @@ using ConfigurationChange = std::function<void(std::uint64_t session)>;
 /// changes, or is no longer the chosen output, or the audio server goes, the session ends at once; nothing is
 /// heard elsewhere until the next `start`. For the same reason a mixer cannot move the stream. Where the
 /// server has sent the stream to another output than the default one, a change of the default does not
-/// matter. Operations belong to one thread, the interface thread. Destruction stops the engine.
+/// matter.
+///
+/// What the source gives too late is heard later, after silence: the engine loses no frame and repeats none.
+/// The audio server may lose some itself on a machine that is too busy for it.
+///
+/// Operations belong to one thread, the interface thread. Destruction stops the engine.
 class AudioEngine {
  public:
   AudioEngine() = default;

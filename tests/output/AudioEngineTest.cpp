@@ -129,4 +129,35 @@ TEST(AudioEngine, TakesTheUsersConfigurationButSharesNoMemory) {
   EXPECT_TRUE(waitUntil([&] { return !engine->isRunning(); }));
 }
 
+TEST(AudioEngine, PlaysSilenceWhileItsSourceIsLateAndLosesNoFrame) {
+  constexpr std::int64_t length = 1 << 20;
+  const SoundServer server;
+  const MonitorRecorder recorder(server, "null");
+  std::atomic<std::int64_t> played = 0;
+  std::atomic<bool> late = false;
+  const auto engine = makeAudioEngine(server.address());
+  engine->connect(
+      [&](bool& silence, std::span<float* const> buffers, std::int64_t frames) {
+        while (late)
+          std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        silence = false;
+        for (std::int64_t i = 0; i < frames; ++i)
+          buffers[0][i] = buffers[1][i] = static_cast<float>(++played) / length;
+      },
+      [](std::uint64_t) {});
+  engine->start(1);
+  for (int gaps = 0; gaps < 3; ++gaps) {
+    ASSERT_TRUE(waitUntil([&] { return recorder.last() != 0; }));
+    late = true;
+    ASSERT_TRUE(waitUntil([&] { return recorder.last() == 0; }));
+    late = false;
+  }
+  const auto last = static_cast<float>(played + 4800) / length;
+  ASSERT_TRUE(waitUntil([&] { return recorder.last() > last; }));
+  std::vector<float> heard = recorder.samples();
+  std::erase(heard, 0.0f);
+  for (std::size_t i = 0; i < heard.size(); ++i)
+    ASSERT_EQ(heard[i] * length, heard[0] * length + static_cast<float>(i / 2));
+}
+
 }  // namespace zarnet::test

@@ -4,6 +4,16 @@
 
 namespace zarnet::test {
 
+namespace {
+
+void makeRealTime(const RunningProgram& program) {
+  const std::vector<std::string> chrt = {"chrt",  "--all-tasks", "--rr",
+                                         "--pid", "10",          std::to_string(program.pid())};
+  EXPECT_EQ(runProgram(chrt).status, 0) << "no real-time priority";
+}
+
+}  // namespace
+
 bool SoundServer::isPipeWire() {
   const char* wanted = std::getenv("ZARNET_TEST_SERVER");
   return wanted != nullptr && std::string(wanted) == "pipewire";
@@ -72,6 +82,11 @@ void SoundServer::sendSignal(int number) const {
     process->sendSignal(number);
 }
 
+void SoundServer::raisePriority() const {
+  for (const auto& process : processes)
+    makeRealTime(*process);
+}
+
 ProgramResult SoundServer::tell(const std::string& command) const {
   return runProgram({"sh", "-c", "exec pactl -s \"$0\" " + command, address()});
 }
@@ -88,11 +103,15 @@ void SoundServer::setDefaultSink(const std::string& name) const {
   EXPECT_TRUE(waitUntil([&] { return control("get-default-sink") == name; })) << name;
 }
 
-MonitorRecorder::MonitorRecorder(const SoundServer& server, const std::string& sink)
+MonitorRecorder::MonitorRecorder(const SoundServer& server, const std::string& sink, int latency)
     : process({"parec", "-s", server.address(), "-d", sink + ".monitor", "--raw", "--format=float32le",
-               "--rate=48000", "--channels=2", "--latency-msec=10", file.string()}) {
+               "--rate=48000", "--channels=2", "--latency-msec=" + std::to_string(latency), file.string()}) {
   // A server without a warm recorder makes a stream wait for about a second.
   EXPECT_TRUE(waitUntil([&] { return count() > 4800; })) << "the recorder does not start";
+}
+
+void MonitorRecorder::raisePriority() const {
+  makeRealTime(process);
 }
 
 float MonitorRecorder::last() const {

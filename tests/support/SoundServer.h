@@ -36,6 +36,8 @@ class SoundServer {
   /// Stops the server's processes without ending them, so that it answers nothing, and wakes it up again.
   void freeze() const { sendSignal(SIGSTOP); }
   void thaw() const { sendSignal(SIGCONT); }
+  /// Gives the server the real-time priority that it has on a desktop. Needs a privileged user.
+  void raisePriority() const;
 
  private:
   void startPulseAudio();
@@ -54,8 +56,9 @@ class SoundServer {
 /// Records the monitor of a sink from construction to destruction, 48 kHz stereo float.
 class MonitorRecorder {
  public:
-  /// Returns once the recording runs.
-  MonitorRecorder(const SoundServer& server, const std::string& sink);
+  /// Returns once the recording runs. `latency`, in milliseconds, says how much it gets at a time; PipeWire
+  /// works in as small portions then, whatever else it plays.
+  MonitorRecorder(const SoundServer& server, const std::string& sink, int latency = 10);
 
   /// What has been recorded so far, interleaved. Frames that the server had nothing to play for are zeros.
   std::vector<float> samples() const { return samplesFrom(0, count()); }
@@ -63,6 +66,8 @@ class MonitorRecorder {
   std::size_t count() const { return std::filesystem::file_size(file) / frameBytes; }
   /// The left sample of the last frame recorded; 0 before the first.
   float last() const;
+  /// As for the server.
+  void raisePriority() const;
 
  private:
   static constexpr std::size_t frameBytes = 2 * sizeof(float);
