@@ -27,7 +27,7 @@ constexpr std::int64_t planeFrames = 2048;  // rendered in one call at most
 // In the server's buffer. More makes gaps on a busy machine rarer and a switch later: with 60 ms it takes
 // more than 60 ms on PipeWire until a switch is heard.
 constexpr pa_usec_t latency = 50 * PA_USEC_PER_MSEC;
-constexpr pa_usec_t startLimit = 2'400 * PA_USEC_PER_MSEC;  // the rest of 2.5 s is for clearing up
+constexpr pa_usec_t startLimit = 2'000 * PA_USEC_PER_MSEC;  // the rest of 2.5 s is for a busy machine
 constexpr std::chrono::milliseconds priorityLimit(500);     // to ask for real-time priority
 constexpr const char* dummyOutput = "auto_null";            // stands in where there is no device
 constexpr const char* applicationID = "org.zarnet.Zarnet";  // that of the desktop entry
