@@ -5,13 +5,19 @@
 namespace zarnet {
 
 std::string TagFile::bytes(std::int64_t offset, std::int64_t count) {
-  const std::int64_t wanted = std::min({count, fileSize - offset, bytesLeft});
+  constexpr std::int64_t blockBytes = 4096;
+  const std::int64_t wanted = std::min(count, fileSize - offset);
   if (offset < 0 || wanted <= 0 || piecesLeft == 0) return {};
-  std::string content(static_cast<std::size_t>(wanted), '\0');
-  content.resize(handle.readAt(offset, content.data(), content.size()));
-  bytesLeft -= wanted;
   --piecesLeft;
-  return content;
+  const bool isHeld = offset >= blockStart && offset + wanted <= blockStart + std::ssize(block);
+  if (!isHeld) {
+    const std::int64_t read = std::min({std::max(wanted, blockBytes), fileSize - offset, bytesLeft});
+    bytesLeft -= read;
+    block.resize(static_cast<std::size_t>(read));
+    block.resize(handle.readAt(offset, block.data(), block.size()));
+    blockStart = offset;
+  }
+  return block.substr(static_cast<std::size_t>(offset - blockStart), static_cast<std::size_t>(wanted));
 }
 
 TagStream::TagStream(TagFile& source, std::int64_t start, std::int64_t end, bool isEscaped)

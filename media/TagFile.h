@@ -22,6 +22,8 @@ class TagFile {
  private:
   const FileHandle& handle;
   const std::int64_t fileSize;
+  std::string block;  ///< of the file, read at once: tags come in small pieces
+  std::int64_t blockStart = 0;
   std::int64_t bytesLeft = std::int64_t{64} << 20;
   int piecesLeft = 100'000;
 };
