@@ -20,6 +20,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMetaObject>
+#include <QMimeData>
 #include <QPixmap>
 #include <QScreen>
 #include <QUrl>
@@ -207,12 +208,32 @@ bool AppDelegate::applicationShouldHandleReopen(bool) {
   return true;
 }
 
+void AppDelegate::reopen(const QVariantMap& platform) {
+  // The toolkit presents this token to a Wayland compositor when a window asks for the focus.
+  const QString token = platform.value(QStringLiteral("activation-token")).toString();
+  if (!token.isEmpty()) qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+  applicationShouldHandleReopen(window && window->isVisible());
+}
+
+bool AppDelegate::openFiles(const QStringList& addresses, const QVariantMap& platform) {
+  QMimeData files;
+  files.setData(QStringLiteral("text/uri-list"), addresses.join(u'\n').toUtf8());
+  if (root == nullptr || !carriesFiles(files) || !root->drop(droppedItems(files))) return false;
+  reopen(platform);
+  return true;
+}
+
 void AppDelegate::quit() {
   QApplication::exit();
 }
 
 void AppDelegate::applicationWillTerminate() {
   if (model) model->cleanup();
+}
+
+void AppDelegate::abandon() {
+  applicationWillTerminate();
+  model.reset();
 }
 
 void AppDelegate::importFiles(const std::vector<std::filesystem::path>& files) {

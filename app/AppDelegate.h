@@ -7,8 +7,10 @@
 #include "model/NativeModel.h"
 
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 #include <QVariantAnimation>
+#include <QVariantMap>
 #include <filesystem>
 #include <memory>
 #include <vector>
@@ -40,9 +42,17 @@ class AppDelegate : public QObject {
   /// Stops background work and the player and removes the temporary audio. Called once, when the application
   /// ends.
   void applicationWillTerminate();
+  /// Instead of that when the process ends from within, as it does when the display goes away: the temporary
+  /// workspace goes, too, and the windows, which nobody sees any more, are left as they are.
+  void abandon();
 
   /// Imports the files given on the command line.
   void importFiles(const std::vector<std::filesystem::path>& files);
+  /// Another start of the program asks for the window. `platform` holds what the desktop gave to that start.
+  void reopen(const QVariantMap& platform);
+  /// Another start of the program hands files over, by their addresses; false unless they could be dropped
+  /// now.
+  bool openFiles(const QStringList& addresses, const QVariantMap& platform);
 
   /// Fits the window to a content of this height, in points, 0.06 s later; further calls until then replace
   /// it. A height that is not finite or not above 0 is ignored.

@@ -1,41 +1,39 @@
 #include "app/AppDelegate.h"
 #include "app/style/ApplicationStyle.h"
 #include "app/widgets/Accessibility.h"
+#include "desktop/DisplayLoss.h"
+#include "desktop/FirstInstance.h"
 #include "desktop/QuitSignals.h"
 #include "prepare/Resources.h"
 
 #include <QApplication>
 #include <QMetaObject>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
-
-#include <xcb/xcb.h>
 
 namespace {
 
 constexpr char usage[] =
     "usage: zarnet [FILE…]\n"
     "Blind listening tests between a lossless recording and a lossy encoding of it.\n"
-    "The files are imported once the window is up.\n"
+    "The files are imported once the window is up. A Zarnet that runs already takes them over, or\n"
+    "comes to the front; while a test is under way there it takes none, and another window opens.\n"
     "  --help     shows this text\n"
     "  --version  shows the version\n";
 
-bool isSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value != nullptr && *value != '\0';
-}
-
-/// Whether there is a display to open a window on; the toolkit would abort over one that does not answer.
-bool displayAnswers() {
-  if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM")) return true;
-  xcb_connection_t* display = xcb_connect(nullptr, nullptr);
-  const bool answers = xcb_connection_has_error(display) == 0;
-  xcb_disconnect(display);
-  return answers;
+/// What the desktop gave to this start, so that the window that it asks for may come to the front. The
+/// toolkit takes it out of the environment.
+QVariantMap platformData() {
+  QVariantMap data;
+  for (const auto& [key, variable] : {std::pair("activation-token", "XDG_ACTIVATION_TOKEN"),
+                                      std::pair("desktop-startup-id", "DESKTOP_STARTUP_ID")}) {
+    if (const QByteArray value = qgetenv(variable); !value.isEmpty())
+      data[QString::fromLatin1(key)] = QString::fromUtf8(value);
+  }
+  return data;
 }
 
 }  // namespace
@@ -58,11 +56,9 @@ int main(int argc, char** argv) {
       files.push_back(unknown ? std::filesystem::path(argument) : file);
     }
   }
-  if (!displayAnswers()) {
-    std::fputs("Zarnet needs a display to open its window; zarnet-prepare works without one.\n", stderr);
-    return 1;
-  }
 
+  const QVariantMap platform = platformData();
+  zarnet::DisplayLoss displayLoss;
   int toolkitArguments = 1;  // none of what was typed: it would take options of its own out
   QApplication application(toolkitArguments, argv);
   QApplication::setApplicationName(QStringLiteral("Zarnet"));
@@ -72,13 +68,23 @@ int main(int argc, char** argv) {
   zarnet::installAccessibility();
   zarnet::applyApplicationStyle();
 
+  zarnet::FirstInstance instance;
+  if (!instance.isFirst() && instance.ask(files, platform)) return 0;
+
   // Outlives the delegate: a second signal must not kill a process that is clearing up.
   const zarnet::QuitSignals signals([] { zarnet::AppDelegate::quit(); });
   zarnet::AppDelegate delegate(zarnet::resourcesFolder());
+  displayLoss.opened([&] { delegate.abandon(); });
   const bool launched = delegate.applicationDidFinishLaunching();
+  if (!launched) instance.release();
+  instance.serve([&](const QVariantMap& data) { delegate.reopen(data); },
+                 [&](const QStringList& addresses, const QVariantMap& data) {
+                   return delegate.openFiles(addresses, data);
+                 });
   QMetaObject::invokeMethod(
       &delegate, [&] { delegate.importFiles(files); }, Qt::QueuedConnection);
   const int status = QApplication::exec();
+  instance.release();
   delegate.applicationWillTerminate();
   return launched ? status : 1;
 }

@@ -195,6 +195,82 @@ TEST_F(Application, EndsInGoodOrderHoweverItIsToldToWhileItEncodes) {
   }
 }
 
+TEST_F(Application, LeavesNothingBehindWhenItsDisplayGoesAway) {
+  const auto file = writeWave(scratch / "long.wav", noise(48000, 2, 48'000 * 300, 0.3, 1), SampleType::int16);
+  const auto goesWith = [&](const RunningProgram& display, const std::vector<std::string>& environment) {
+    std::vector<std::string> words = {"env"};
+    words.insert(words.end(), environment.begin(), environment.end());
+    words.insert(words.end(), {ZARNET_PROGRAM, file});
+    RunningProgram zarnet(words);
+    await("1 track");
+    press("Start blind comparison");
+    press("Continue");
+    EXPECT_TRUE(waitUntil([&] { return encodes(); }, limit));
+    display.sendSignal(SIGKILL);
+    EXPECT_NE(zarnet.exitStatus(limit).value_or(0), 0);
+    EXPECT_FALSE(encodes());
+    EXPECT_TRUE(std::filesystem::is_empty(scratch / "temporary"));
+  };
+  {
+    const RunningProgram weston({"weston", "--backend=headless-backend.so", "--socket=test", "--no-config"});
+    EXPECT_TRUE(waitUntil([&] { return exists(scratch / "runtime/test"); }, limit));
+    goesWith(weston, {"QT_QPA_PLATFORM=wayland", "WAYLAND_DISPLAY=test"});
+  }
+  goesWith(helpers.front(), {});
+
+  for (const char* platform : {"xcb", "wayland", "xcb;wayland"}) {
+    const ProgramResult result = runProgram(
+        {"env", std::string("QT_QPA_PLATFORM=") + platform, "WAYLAND_DISPLAY=gone", ZARNET_PROGRAM});
+    EXPECT_EQ(result.status, 1) << platform;
+    EXPECT_TRUE(result.errors.ends_with(
+        "Zarnet needs a display to open its window; zarnet-prepare works without one.\n"))
+        << result.errors;
+  }
+}
+
+TEST_F(Application, TakesOverWhatALaterStartIsAskedFor) {
+  const auto second = [&](const std::vector<std::string>& files) {
+    std::vector<std::string> words = {ZARNET_PROGRAM};
+    words.insert(words.end(), files.begin(), files.end());
+    return std::make_unique<RunningProgram>(words);
+  };
+  const auto isInFront = [](const RunningProgram& zarnet) {
+    const std::string active = runProgram({"xdotool", "getactivewindow", "getwindowpid"}).output;
+    return active == std::to_string(zarnet.pid()) + "\n";
+  };
+  const auto one = writeWave(scratch / "one.wav", music(48000, 2, 2), SampleType::int16);
+  const auto two = writeWave(scratch / "tw\xF6 %41#?.wav", music(48000, 2, 2), SampleType::int16);
+  RunningProgram zarnet({ZARNET_PROGRAM});
+  await("Import your audio.");
+
+  EXPECT_TRUE(waitUntil([&] { return isInFront(zarnet); }, limit));
+  EXPECT_EQ(runProgram({"xdotool", "getactivewindow", "windowminimize"}).status, 0);
+  EXPECT_TRUE(waitUntil([&] { return !isInFront(zarnet); }, limit));
+  EXPECT_EQ(second({})->exitStatus(limit), 0);
+  EXPECT_TRUE(waitUntil([&] { return isInFront(zarnet); }, limit)) << "comes to the front";
+  EXPECT_EQ(second({one, two})->exitStatus(limit), 0);
+  await("2 tracks");
+
+  zarnet.sendSignal(SIGSTOP);
+  {
+    const auto own = second({});
+    await("Import your audio.");
+    EXPECT_TRUE(waitUntil([&] { return isInFront(*own); }, limit)) << "the first does not answer";
+  }
+  zarnet.sendSignal(SIGCONT);
+
+  press("Start blind comparison");
+  press("Continue");
+  await("Listen to A");
+  const auto own = second({one});
+  await("1 track");
+  await("Listen to A");
+  own->sendSignal(SIGTERM);
+  EXPECT_EQ(own->exitStatus(limit), 0);
+  zarnet.sendSignal(SIGTERM);
+  EXPECT_EQ(zarnet.exitStatus(limit), 0);
+}
+
 TEST_F(Application, SaysWhyItCannotOpenUntilItIsToldToEnd) {
   const auto button = [](RunningProgram&) { key("Return", [] { return find("OK") == nullptr; }); };
   for (const int number : {SIGTERM, SIGINT, SIGHUP, 0}) {
