@@ -7,6 +7,7 @@
 #include "tools/support/Tool.h"
 
 #include <cmath>
+#include <limits>
 
 #include <gmock/gmock.h>
 
@@ -171,6 +172,13 @@ TEST(Afconvert, RemovesAnOutputThatItCouldNotComplete) {
                   "“out” could not be written: File too large.");
     EXPECT_FALSE(std::filesystem::exists(scratch / "out"));
     expectFailure(afconvert(input, "/dev/full", options), "No space left on device");
+    for (const float wild : {std::nanf(""), -std::numeric_limits<float>::infinity()}) {
+      Signal source = noise(44100, 2, 50'000, 0.5, 1);
+      source.planes[1][40'000] = wild;
+      expectFailure(afconvert(writeWave(scratch / "wild.wav", source), scratch / "out", options),
+                    "“wild.wav” could not be converted: It holds samples that are not finite numbers.");
+      EXPECT_FALSE(std::filesystem::exists(scratch / "out"));
+    }
   }
 }
 

@@ -23,7 +23,7 @@ class AacEncoder {
   /// The opened encoder, for whoever stores its packets.
   const AVCodecContext& context() const { return *encoder; }
 
-  /// Encodes the next frames. Raises std::runtime_error for samples that are no finite numbers.
+  /// Encodes the next frames. Requires: their samples are finite.
   void write(const FrameBlock& block);
   /// Encodes what is left. Nothing may be written afterwards.
   void finish();

@@ -11,6 +11,8 @@
 #include "tools/afconvert/Resampler.h"
 #include "tools/support/Tool.h"
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <string>
@@ -37,6 +39,21 @@ void requireUsualForm(const AudioFileReader& reader, const std::filesystem::path
     throw PlatformError(quotedName(path) + " could not be converted: A sample rate of " + formatG(rate) +
                         " Hz is not supported.");
   }
+}
+
+/// Reads the next frames. One sample that is no number, or an infinite one, would spoil all that is measured
+/// and heard, and on its way through a resampler those around it.
+std::int64_t readFinite(AudioFileReader& reader, const std::filesystem::path& path, float* const* planes,
+                        std::int64_t frames) {
+  const std::int64_t count = reader.read(planes, frames);
+  const auto isFinite = [](float sample) { return std::isfinite(sample); };
+  for (std::uint32_t channel = 0; channel < reader.processingChannels(); ++channel) {
+    if (!std::all_of(planes[channel], planes[channel] + count, isFinite)) {
+      throw PlatformError(quotedName(path) +
+                          " could not be converted: It holds samples that are not finite numbers.");
+    }
+  }
+  return count;
 }
 
 /// Creates the output, then runs `complete`, which writes it. When that fails, the file is removed; a device
@@ -98,8 +115,9 @@ void convert(const ConverterOptions& options) {
   AudioFileReader reader(options.input);
   requireUsualForm(reader, options.input);
   requireTwoFiles(options.input, options.output);
-  ReadAhead decoded(reader.processingChannels(),
-                    [&](float* const* planes, std::int64_t frames) { return reader.read(planes, frames); });
+  ReadAhead decoded(reader.processingChannels(), [&](float* const* planes, std::int64_t frames) {
+    return readFinite(reader, options.input, planes, frames);
+  });
   if (options.target == ConverterOptions::Target::aac) {
     convertToAac(options, reader, decoded);
   } else {
