@@ -25,9 +25,7 @@ AudioPreparer::AudioPreparer(std::filesystem::path encoder)
 
 AudioPreparer::AudioPreparer(HeldFolder created, std::filesystem::path encoder)
     : directory(created.path()), lame(std::move(encoder)), workspace(std::move(created)) {
-  sweeper = std::jthread([place = directory.parent_path()](const std::stop_token& stop) {
-    removeAbandonedFolders(place, prefix, stop);
-  });
+  sweeper = std::jthread([place = directory.parent_path()] { removeAbandonedFolders(place, prefix); });
 }
 
 AudioPreparer::~AudioPreparer() {

@@ -115,11 +115,10 @@ bool isNamedAsHeld(const std::filesystem::path& path, std::string_view prefix) {
   return name.starts_with(prefix) && isUUID(std::string_view(name).substr(prefix.size()));
 }
 
-void removeAbandonedFolders(const std::filesystem::path& parent, std::string_view prefix,
-                            const std::stop_token& stop) {
+void removeAbandonedFolders(const std::filesystem::path& parent, std::string_view prefix) {
   std::error_code error;
-  for (std::filesystem::directory_iterator entry(parent, error), end;
-       !error && entry != end && !stop.stop_requested(); entry.increment(error)) {
+  for (std::filesystem::directory_iterator entry(parent, error), end; !error && entry != end;
+       entry.increment(error)) {
     if (!isNamedAsHeld(entry->path(), prefix)) continue;
     if (const std::optional<HeldFolder> folder = HeldFolder::takeOver(entry->path())) {
       std::error_code ignored;

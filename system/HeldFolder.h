@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <optional>
-#include <stop_token>
 #include <string_view>
 
 #include <sys/types.h>
@@ -40,8 +39,7 @@ class HeldFolder {
 bool isNamedAsHeld(const std::filesystem::path& path, std::string_view prefix);
 
 /// Removes the folders that `create` made in `parent` with this prefix and that `takeOver` takes over now,
-/// with all their content. Failures are passed over. Returns early when it is asked to stop.
-void removeAbandonedFolders(const std::filesystem::path& parent, std::string_view prefix,
-                            const std::stop_token& stop);
+/// with all their content. Failures are passed over.
+void removeAbandonedFolders(const std::filesystem::path& parent, std::string_view prefix);
 
 }  // namespace zarnet
