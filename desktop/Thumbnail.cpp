@@ -18,7 +18,8 @@ constexpr std::int64_t mostPixels = 30'000'000;
 /// Pixels times scans: a progressive JPEG has a dozen scans, and each passes over the whole picture.
 constexpr std::int64_t mostScannedPixels = 250'000'000;
 
-/// Listens to what Qt's readers have to say on the thread where one lives, and keeps it from the terminal.
+/// Listens to what Qt has to say about a picture on the thread where one lives, and keeps it from the
+/// terminal.
 class Remarks {
  public:
   Remarks() {
@@ -39,8 +40,7 @@ class Remarks {
 
  private:
   static void handle(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (current == nullptr || !QByteArrayView(context.category).startsWith("qt.gui.imageio"))
-      return nextHandler(type, context, message);
+    if (current == nullptr) return nextHandler(type, context, message);
     if (message.contains(QLatin1String("premature end of data segment"))) current->earlyEnd = true;
   }
 
@@ -119,6 +119,7 @@ QImage read(QBuffer& buffer, const QByteArray& format, int longestSide) {
 }
 
 QImage readPNG(const QByteArray& file, int longestSide) {
+  const Remarks remarks;
   QImage image = decodedPNG(file, mostPixels);
   if (image.isNull()) return image;
   // Scaling would convert a copy.
