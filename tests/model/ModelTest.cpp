@@ -2,6 +2,7 @@
 #include "model/TrackMetadata.h"
 #include "results/ResultsImage.h"
 #include "tests/model/ModelFixture.h"
+#include "tests/support/Seed.h"
 
 #include <random>
 
@@ -269,9 +270,7 @@ TEST(LosslessSide, IsDrawnEvenlyAndIndependently) {
 }
 
 TEST_F(Models, SurviveBeingCancelledQuitAndRestartedAtAnyMoment) {
-  const unsigned seed = std::random_device()();
-  SCOPED_TRACE(seed);
-  std::mt19937 random(seed);
+  std::mt19937 random(testSeed());
   const auto upTo = [&](unsigned limit) { return static_cast<int>(random() % limit); };
   const std::function<void()> actions[] = {
       [&] { model->cancel(); },        [&] { model->back(); },

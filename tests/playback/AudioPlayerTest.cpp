@@ -4,6 +4,7 @@
 #include "tests/support/Failures.h"
 #include "tests/support/FakeAudioEngine.h"
 #include "tests/support/ReferencePlayer.h"
+#include "tests/support/Seed.h"
 
 #include <atomic>
 #include <cmath>
@@ -148,9 +149,7 @@ TEST(AudioPlayer, StopsAdvancingWhenTheOutputChangesUnlessANewerPlayHasOvertaken
 }
 
 TEST(AudioPlayer, RendersLikeTheScalarFormBitForBitThroughAnyOrderOfOperations) {
-  const auto seed = std::random_device()();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
+  std::mt19937 random(testSeed());
   const auto below = [&](std::int64_t limit) {
     return std::uniform_int_distribution<std::int64_t>(0, limit - 1)(random);
   };
@@ -222,9 +221,7 @@ TEST(AudioPlayer, RendersLikeTheScalarFormBitForBitThroughAnyOrderOfOperations) 
 }
 
 TEST(AudioPlayer, TakesOperationsAtAnyMomentWhileFramesAreRenderedAndDevicesLost) {
-  const auto seed = std::random_device()();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
+  std::mt19937 random(testSeed());
   auto owned = std::make_unique<FakeAudioEngine>();
   FakeAudioEngine& engine = *owned;
   AudioPlayer player(std::move(owned));

@@ -1,5 +1,6 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
+#include "tests/support/Seed.h"
 #include "tests/support/Signals.h"
 #include "tests/support/StandIns.h"
 
@@ -172,9 +173,7 @@ TEST_F(Prepare, LeavesNoFolderWhateverFails) {
 }
 
 TEST_F(Prepare, LeavesNothingBehindCancelledAtAnyMoment) {
-  const std::uint32_t seed = std::random_device()();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
+  std::mt19937 random(test::testSeed());
   const auto begin = std::chrono::steady_clock::now();
   prepare("Ogg Vorbis", 64);
   const auto whole = std::chrono::steady_clock::now() - begin;

@@ -1,6 +1,7 @@
 #include "audio/AppError.h"
 #include "prepare/AudioPreparer.h"
 #include "tests/support/Programs.h"
+#include "tests/support/Seed.h"
 
 #include <chrono>
 #include <random>
@@ -69,9 +70,7 @@ TEST_F(Run, LetsACancelledProgramEndInItsOwnTime) {
 }
 
 TEST_F(Run, SurvivesCancellationAtAnyMoment) {
-  const std::uint32_t seed = std::random_device()();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
+  std::mt19937 random(test::testSeed());
   int finished = 0;
   for (int k = 0; k < 300; ++k) {
     preparer.resetCancellation();
