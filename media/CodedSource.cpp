@@ -1,8 +1,7 @@
 #include "media/CodedSource.h"
 
-#include "media/LibAv.h"
+#include "media/CodedDecoder.h"
 #include "media/LinearPCM.h"
-#include "media/SampleConversion.h"
 #include "system/DisplayText.h"
 #include "system/PlatformError.h"
 
@@ -13,35 +12,13 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
-
-extern "C" {
-#include <libavutil/crc.h>
-}
 
 namespace zarnet {
 
 namespace {
 
 constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
-
-bool isLinear(AVCodecID codec) {
-  switch (codec) {
-    case AV_CODEC_ID_PCM_ALAW:
-    case AV_CODEC_ID_PCM_MULAW:
-    case AV_CODEC_ID_PCM_VIDC:
-    case AV_CODEC_ID_PCM_ZORK:
-      return false;
-    default:
-      return codec >= AV_CODEC_ID_PCM_S16LE && codec < AV_CODEC_ID_ADPCM_IMA_QT;
-  }
-}
-
-bool isLossless(AVCodecID codec) {
-  return isLinear(codec) || codec == AV_CODEC_ID_FLAC || codec == AV_CODEC_ID_ALAC;
-}
 
 std::uint32_t formatIDOf(AVCodecID codec) {
   if (isLinear(codec)) return fourCharacterCode("lpcm");
@@ -84,23 +61,6 @@ StreamDescription describe(const AVCodecParameters& parameters) {
   return description;
 }
 
-std::optional<SampleLayout> layoutOf(AVSampleFormat format) {
-  const auto bytes = static_cast<std::uint32_t>(av_get_bytes_per_sample(format));
-  switch (av_get_packed_sample_fmt(format)) {
-    case AV_SAMPLE_FMT_U8:
-      return SampleLayout{SampleLayout::Kind::unsignedInteger, bytes, false};
-    case AV_SAMPLE_FMT_S16:
-    case AV_SAMPLE_FMT_S32:
-    case AV_SAMPLE_FMT_S64:
-      return SampleLayout{SampleLayout::Kind::signedInteger, bytes, false};
-    case AV_SAMPLE_FMT_FLT:
-    case AV_SAMPLE_FMT_DBL:
-      return SampleLayout{SampleLayout::Kind::floatingPoint, bytes, false};
-    default:
-      return std::nullopt;
-  }
-}
-
 /// The number of frames that a tag of an MPEG-4 file states, which names delay, padding and total in
 /// hexadecimal numbers: " 00000000 00000840 000001C0 0000000000C7B9C0 …". 0 without a tag that makes sense.
 std::int64_t framesStatedByTag(const AVDictionary* tags) {
@@ -108,11 +68,6 @@ std::int64_t framesStatedByTag(const AVDictionary* tags) {
   unsigned long long total = 0;
   const bool read = entry && std::sscanf(entry->value, "%*x %*x %*x %16llx", &total) == 1;
   return read && total <= static_cast<unsigned long long>(endless) ? static_cast<std::int64_t>(total) : 0;
-}
-
-/// Whether the checksum at the end of a FLAC frame is right, which the decoder does not look at.
-bool hasValidChecksum(const AVPacket& frame) {
-  return av_crc(av_crc_get_table(AV_CRC_16_ANSI), 0, frame.data, static_cast<std::size_t>(frame.size)) == 0;
 }
 
 /// The number of a FLAC frame: of the frame itself or, where blocks differ in length, of its first sample.
@@ -129,102 +84,6 @@ std::int64_t numberOf(const AVPacket& frame) {
 
 bool countsSamples(const AVPacket& frame) {
   return (frame.data[1] & 1) != 0;
-}
-
-/// Decodes the audio stream of a file from its start or from a place near its end. Trims what the decoder
-/// trims by itself: the delay and padding of MP3 and Ogg streams, the priming of MPEG-4 ones.
-class Decoder {
- public:
-  explicit Decoder(const FileHandle& source);
-
-  AVStream& stream() const { return *input.audioStream(); }
-  const AVFormatContext& container() const { return *input.context(); }
-  std::string_view containerName() const { return container().iformat->name; }
-  /// Goes on with the packet a second before the end, or an earlier one. False when it cannot.
-  bool seekNearEnd();
-  /// What the decoder was fed with last.
-  const AVPacket& latestPacket() const { return *packet; }
-  /// The next frame that is not empty; nothing at the end. Damage is passed over in a lossy stream; in a
-  /// lossless one it raises, unless nothing follows it: then the file was cut off there.
-  const AVFrame* next();
-
- private:
-  void feed();
-  void check();
-  [[noreturn]] void fail(const char* reason) const;
-
-  const FileHandle& file;
-  libav::InputFile input;
-  libav::CodecContext codec;
-  libav::Packet packet = libav::makePacket();
-  libav::Frame frame = libav::makeFrame();
-  bool damaged = false;  ///< the latest packet was
-};
-
-Decoder::Decoder(const FileHandle& source) : file(source), input(source) {
-  const AVCodecParameters& parameters = *stream().codecpar;
-  const AVCodec* implementation = avcodec_find_decoder(parameters.codec_id);
-  codec.reset(avcodec_alloc_context3(implementation));
-  if (!codec) throw std::bad_alloc();
-  const bool opened = implementation && avcodec_parameters_to_context(codec.get(), &parameters) >= 0 &&
-                      avcodec_open2(codec.get(), implementation, nullptr) >= 0;
-  if (!opened || parameters.sample_rate <= 0 || parameters.ch_layout.nb_channels <= 0) {
-    throw PlatformError(quotedName(file.location()) + " could not be opened: Its audio cannot be decoded.");
-  }
-  // The decoder would find no frame in it, and say nothing.
-  if (parameters.codec_id == AV_CODEC_ID_FLAC && parameters.bits_per_raw_sample > 24) {
-    throw PlatformError(quotedName(file.location()) +
-                        " could not be opened: FLAC audio of more than 24 bits is not supported.");
-  }
-  codec->pkt_timebase = stream().time_base;
-}
-
-bool Decoder::seekNearEnd() {
-  const AVRational wholeContainer = {1, AV_TIME_BASE};
-  const AVRational unit = stream().time_base;
-  const std::int64_t end =
-      stream().duration > 0 ? stream().duration : av_rescale_q(container().duration, wholeContainer, unit);
-  const std::int64_t time = std::max<std::int64_t>(0, end - av_rescale_q(1, {1, 1}, unit));
-  return av_seek_frame(input.context(), stream().index, time, AVSEEK_FLAG_BACKWARD) >= 0;
-}
-
-const AVFrame* Decoder::next() {
-  for (;;) {
-    const int result = avcodec_receive_frame(codec.get(), frame.get());
-    if (result == AVERROR_EOF) return nullptr;
-    if (result == AVERROR(EAGAIN)) {
-      feed();
-    } else if (result == AVERROR(ENOMEM)) {
-      throw systemError(file.location(), "could not be decoded", ENOMEM);
-    } else if (result < 0) {
-      damaged = true;
-    } else if (frame->nb_samples > 0) {
-      check();
-      return frame.get();
-    }
-  }
-}
-
-void Decoder::feed() {
-  if (!input.readPacket(*packet)) {
-    avcodec_send_packet(codec.get(), nullptr);
-    return;
-  }
-  if (damaged && isLossless(codec->codec_id)) fail("It is damaged");
-  const bool sound = codec->codec_id != AV_CODEC_ID_FLAC || hasValidChecksum(*packet);
-  damaged = avcodec_send_packet(codec.get(), packet.get()) < 0 || !sound;
-}
-
-void Decoder::check() {
-  const AVCodecParameters& parameters = *stream().codecpar;
-  if (frame->ch_layout.nb_channels != parameters.ch_layout.nb_channels ||
-      frame->sample_rate != parameters.sample_rate || !layoutOf(static_cast<AVSampleFormat>(frame->format))) {
-    fail("Its format changes on the way");
-  }
-}
-
-void Decoder::fail(const char* reason) const {
-  throw PlatformError(quotedName(file.location()) + " could not be decoded: " + reason + ".");
 }
 
 class EmptySource : public AudioSource {
@@ -257,7 +116,7 @@ class CodedSource : public AudioSource {
   void convert(float* const* planes, std::int64_t offset, int count);
 
   const FileHandle& file;
-  Decoder decoder;
+  CodedDecoder decoder;
   const StreamDescription description;
   std::int64_t dropped = 0;      ///< frames at the start that are not meant to be heard
   std::int64_t limit = endless;  ///< frames after those that are
@@ -304,7 +163,7 @@ std::optional<std::int64_t> CodedSource::confirmedFrames() const {
   if (isFlac()) return endOfFlac();
   const std::int64_t announced = limit < endless ? limit : announcedFrames();
   if (announced == 0) return std::nullopt;
-  Decoder tail(file);
+  CodedDecoder tail(file);
   if (!tail.seekNearEnd()) return std::nullopt;
   std::int64_t end = 0;
   std::int64_t fullEnd = 0;  // if the last packet were as long as the longest
@@ -329,7 +188,7 @@ std::optional<std::int64_t> CodedSource::confirmedFrames() const {
 /// at which its container puts it. Writers of CAF may give every packet an average length: there, the number
 /// has to be that of such lengths.
 std::optional<std::int64_t> CodedSource::endOfFlac() const {
-  Decoder tail(file);
+  CodedDecoder tail(file);
   const AVRational unit = tail.stream().time_base;
   const AVRational frameTime = {1, tail.stream().codecpar->sample_rate};
   if (!tail.seekNearEnd()) return std::nullopt;
@@ -353,7 +212,7 @@ std::optional<std::int64_t> CodedSource::endOfFlac() const {
 }
 
 std::int64_t CodedSource::countAll() const {
-  Decoder walker(file);
+  CodedDecoder walker(file);
   std::int64_t count = 0;
   while (const AVFrame* next = walker.next())
     count += next->nb_samples;

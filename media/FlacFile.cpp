@@ -76,7 +76,7 @@ std::int64_t totalOfLastPage(const FileHandle& file, const std::byte* firstPage)
   constexpr std::int64_t granulePlace = 6;
   constexpr std::int64_t serialPlace = 14;
   constexpr std::int64_t serialBytes = 4;
-  constexpr std::int64_t searched = 2 * 65'307;  // two pages of the greatest size
+  constexpr std::int64_t searched = 2L * 65'307;  // two pages of the greatest size
   std::vector<std::byte> bytes(static_cast<std::size_t>(std::min(searched, file.size())));
   bytes.resize(
       file.readAt(file.size() - static_cast<std::int64_t>(bytes.size()), bytes.data(), bytes.size()));

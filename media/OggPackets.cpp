@@ -11,7 +11,7 @@ namespace zarnet {
 
 namespace {
 
-constexpr long pieceBytes = 64 * 1024;
+constexpr long pieceBytes = 64L * 1024;
 
 int serialNumberOf(const FileHandle& file, std::int64_t page) {
   constexpr std::int64_t place = 14;
