@@ -218,6 +218,12 @@ TEST_F(Models, HandVolumeAndLoopToThePlayerAtOnce) {
   EXPECT_NE(engine->render(480).left.back(), 0);
 
   const auto bounds = [&] { return std::pair(*model->loopStart, *model->loopEnd); };
+  const auto place = [&](double duration, double position, double start, double end) {
+    model->duration = duration;
+    model->position = position;
+    model->loopStart = start;
+    model->loopEnd = end;
+  };
   const struct {
     double duration, position, start, end;
     std::pair<double, double> afterStart, afterEnd;
@@ -227,16 +233,10 @@ TEST_F(Models, HandVolumeAndLoopToThePlayerAtOnce) {
       {0.02, 0.01, 0, 0.02, {0, 0.02}, {0, 0.05}},
   };
   for (const auto& [duration, position, start, end, afterStart, afterEnd] : cases) {
-    const auto place = [&] {
-      model->duration = duration;
-      model->position = position;
-      model->loopStart = start;
-      model->loopEnd = end;
-    };
-    place();
+    place(duration, position, start, end);
     model->setLoopStart();
     EXPECT_EQ(bounds(), afterStart) << position << " of " << duration;
-    place();
+    place(duration, position, start, end);
     model->setLoopEnd();
     EXPECT_EQ(bounds(), afterEnd) << position << " of " << duration;
   }
