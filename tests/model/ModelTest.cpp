@@ -254,6 +254,52 @@ TEST_F(Models, HandVolumeAndLoopToThePlayerAtOnce) {
   EXPECT_EQ(std::get<double>(model->player.status().at("loopEnd")), 0.1);
 }
 
+TEST_F(Models, NameTheirPanelsAndDrawTheResultsOfTheSettingsThatWereTested) {
+  model->choose();
+  EXPECT_EQ(sheets.openPanels.at(0).panel.title, "Choose lossless audio");
+  begin({"X"});
+  model->codec = "MP3";
+  model->rate = 8;
+  model->match = false;
+  ASSERT_TRUE(prepared());
+  model->exportAudio();
+  EXPECT_EQ(sheets.savePanels.at(0).panel.title, "Export Converted Audio");
+  vote("same");
+  EXPECT_EQ(model->exportURL, std::nullopt) << "nothing is left to export";
+  EXPECT_EQ(model->exportName, "");
+  model->exportAudio();
+  EXPECT_EQ(sheets.savePanels.size(), 1U);
+  EXPECT_EQ(model->resultsPNG(), renderResultsPNG({{"X", "same", *model->lossless}}, "AAC", 256, true));
+  model->saveResults();
+  EXPECT_EQ(sheets.savePanels.at(1).panel.title, "Save Results Image");
+  EXPECT_THAT(
+      sheets.savePanels.at(1).panel.name.toStdString(),
+      testing::MatchesRegex("Zarnet Results [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}-[0-9]{2}-[0-9]{2}[.]png"));
+}
+
+TEST_F(Models, KeepAnEarlierErrorThroughAGoodImport) {
+  model->error = "earlier";
+  model->importFiles({track("good").url});
+  ASSERT_TRUE(eventually([&] { return !model->importing; }));
+  EXPECT_EQ(model->songs().size(), 1U);
+  EXPECT_EQ(model->error, "earlier");
+}
+
+TEST_F(Models, TakeNoAnswerOfASheetThatOutlivesThem) {
+  model->choose();
+  begin({"X"});
+  ASSERT_TRUE(prepared());
+  model->exportAudio();
+  vote("A");
+  model->saveResults();
+  model.reset();
+  sheets.openPanels.at(0).done({scratch / "X.wav"});
+  sheets.alerts.at(0).done(0);
+  for (auto& panel : sheets.savePanels)
+    panel.done(scratch / "written");
+  EXPECT_FALSE(exists(scratch / "written"));
+}
+
 TEST(LosslessSide, IsDrawnEvenlyAndIndependently) {
   constexpr int draws = 10'000;
   int lefts = 0;
