@@ -49,7 +49,7 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   std::string reason;
   EXPECT_TRUE(waitUntil([&] {
     reason = failureOf<PlatformError>([&] { engine->start(1); });
-    EXPECT_NE(engine->isRunning(), !reason.empty());
+    if (!reason.empty()) EXPECT_FALSE(engine->isRunning());  // a session that began may be over by now
     engine->stop();
     return !reason.empty();
   }));
