@@ -5,10 +5,10 @@
 #include "app/screens/TallyScreen.h"
 #include "app/sheets/Sheet.h"
 #include "app/style/Drawing.h"
+#include "app/widgets/Accessibility.h"
 #include "app/widgets/FocusRing.h"
 #include "desktop/Palette.h"
 
-#include <QAccessible>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMetaObject>
@@ -122,9 +122,7 @@ void NativeRoot::showScreen() {
 void NativeRoot::announce() {
   // The reveal takes the place of what was answered, at the end of the screen; all else begins at its top.
   if (*model.stage != Stage::reveal) scroll->verticalScrollBar()->setValue(0);
-  // A screen reader speaks the new screen's name, and goes on from its first control.
-  QAccessibleEvent event(shown, QAccessible::Alert);
-  QAccessible::updateAccessibility(&event);
+  zarnet::announce(*shown, shown->accessibleName());
   focusOn(shown->firstFocus());
 }
 

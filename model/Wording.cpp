@@ -42,6 +42,10 @@ QString levelText(bool matched) {
   return matched ? QStringLiteral("Loudness matched") : QStringLiteral("Original relative levels");
 }
 
+QString heardText(const QString& side) {
+  return QStringLiteral("Listening to ") + side;
+}
+
 QString confirmLabel(std::int64_t index, std::size_t tracks) {
   if (tracks <= 1) return QStringLiteral("Confirm & reveal");
   return index + 1 == static_cast<std::int64_t>(tracks) ? QStringLiteral("Confirm & show tally")

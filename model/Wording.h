@@ -31,6 +31,8 @@ QString trackPlaceText(std::int64_t index, std::size_t tracks);
 QString blindnessText(bool revealed);
 /// How the two sides' levels were prepared.
 QString levelText(bool matched);
+/// Which side is heard, for those who cannot see it.
+QString heardText(const QString& side);
 /// What the button that confirms an answer does: reveals, goes to the next track, or shows the tally.
 QString confirmLabel(std::int64_t index, std::size_t tracks);
 

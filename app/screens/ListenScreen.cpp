@@ -1,6 +1,7 @@
 #include "app/screens/ListenScreen.h"
 
 #include "app/sheets/Popover.h"
+#include "app/widgets/Accessibility.h"
 #include "app/widgets/Artwork.h"
 #include "app/widgets/BareLayout.h"
 #include "app/widgets/Button.h"
@@ -52,6 +53,13 @@ ListenScreen::ListenScreen(NativeModel& ofModel)
   column->addWidget(sides);
   column->addWidget(question());
   column->addWidget(verdict());
+  setAccessibleDescription(heardText(model.selected));
+  follow([this] {
+    const QString heard = heardText(model.selected);
+    if (heard == accessibleDescription()) return;
+    setAccessibleDescription(heard);
+    announce(*this, heard);
+  });
   addShortcut(Qt::Key_Space, [this] { model.playPause(); });
   addShortcut(Qt::Key_A, [this] { model.select(QStringLiteral("A")); });
   addShortcut(Qt::Key_B, [this] { model.select(QStringLiteral("B")); });
@@ -120,7 +128,7 @@ QWidget* ListenScreen::currentTrack() {
   follow([this, artwork, title, artist, album] {
     const std::optional<Song> song = model.current();
     if (!song) return;
-    setAccessibleName(blindnessText(revealed()) + QStringLiteral(": ") + song->title);
+    nameFor(*this, blindnessText(revealed()) + QStringLiteral(": ") + song->title);
     artwork->setImage(song->artwork.value_or(QImage()));
     title->setText(song->trackTitle);
     artist->setText(song->artist.value_or(QString()));
@@ -206,7 +214,7 @@ QWidget* ListenScreen::transport() {
 
 void ListenScreen::toggleLoopControls() {
   if (popover == nullptr) {
-    popover = new Popover(window());
+    popover = new Popover(window(), QStringLiteral("Loop"));
     popover->setContent(loopControls());
     connect(popover, &Popover::closed, this, [this] { showingLoop = false; });
   }

@@ -1,6 +1,7 @@
 #include "app/screens/SetupScreen.h"
 
 #include "app/screens/SongList.h"
+#include "app/widgets/Accessibility.h"
 #include "app/widgets/BareLayout.h"
 #include "app/widgets/Button.h"
 #include "app/widgets/Help.h"
@@ -148,7 +149,7 @@ QWidget* SetupScreen::settingsRow() {
   follow([this, format, rateCaption, rate, match] {
     format->setCurrentText(model.codec);
     rateCaption->setText(bitrateLabel(model.codec));
-    rate->setAccessibleName(rateCaption->text());
+    nameFor(*rate, rateCaption->text());
     const auto rates = model.rates();
     if (rate->count() != static_cast<int>(rates.size())) {
       rate->clear();

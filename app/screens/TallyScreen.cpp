@@ -1,5 +1,6 @@
 #include "app/screens/TallyScreen.h"
 
+#include "app/widgets/Accessibility.h"
 #include "app/widgets/BareLayout.h"
 #include "app/widgets/Button.h"
 #include "app/widgets/RoundedPanel.h"
@@ -103,7 +104,7 @@ QWidget* TallyScreen::total(const QString& label) {
   follow([this, box, number, label] {
     box->setGlass(model.glass);
     number->setText(QString::number(preferenceCount(*model.answers, label)));
-    box->setAccessibleName(label + QStringLiteral(": ") + number->text());
+    nameFor(*box, label + QStringLiteral(": ") + number->text());
   });
   return box;
 }

@@ -1,13 +1,12 @@
 #include "app/sheets/Popover.h"
 
 #include "app/style/Drawing.h"
-#include "app/style/Translucency.h"
 #include "app/widgets/FocusRing.h"
 #include "desktop/Palette.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -18,14 +17,15 @@ constexpr double cornerRadius = 12;
 constexpr int distance = 8;
 }  // namespace
 
-Popover::Popover(QWidget* parent)
-    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint) {
-  // The click that closes it must not reach the button that opened it, or it would open again at once.
-  setAttribute(Qt::WA_NoMouseReplay);
-  if (canBeTranslucent()) setAttribute(Qt::WA_TranslucentBackground);
+Popover::Popover(QWidget* window, const QString& name) : QWidget(window) {
+  setAccessibleName(name);
+  hide();
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSizeConstraint(QLayout::SetFixedSize);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, const QWidget* now) {
+    if (isVisible() && now != nullptr && !isAncestorOf(now)) hide();
+  });
 }
 
 void Popover::setContent(QWidget* content) {
@@ -33,38 +33,72 @@ void Popover::setContent(QWidget* content) {
   new FocusRing(this);
 }
 
-void Popover::openUnder(const QWidget* anchor) {
+void Popover::openUnder(QWidget* control) {
+  anchor = control;
   adjustSize();
-  const QRect room = anchor->screen()->availableGeometry();
-  const QPoint below = anchor->mapToGlobal(QPoint(0, anchor->height() + distance));
-  const QPoint above = anchor->mapToGlobal(QPoint(0, -distance - height()));
-  QPoint place = below.y() + height() > room.bottom() ? above : below;
-  place.setX(std::clamp(place.x(), room.left(), std::max(room.left(), room.right() - width())));
+  const QSize room = parentWidget()->size();
+  QPoint place = anchor->mapTo(parentWidget(), QPoint(0, anchor->height() + distance));
+  if (place.y() + height() > room.height())
+    place = anchor->mapTo(parentWidget(), QPoint(0, -distance - height()));
+  place.setX(std::clamp(place.x(), 0, std::max(0, room.width() - width())));
+  place.setY(std::max(place.y(), 0));
   move(place);
+  raise();
   show();
-  if (QWidget* first = nextInFocusChain(); first != nullptr && isAncestorOf(first))
-    first->setFocus(Qt::PopupFocusReason);
+  qApp->installEventFilter(this);
+  focusNextPrevChild(true);
 }
 
 void Popover::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const Tokens colour = tokens(palette());
-  const bool rounded = testAttribute(Qt::WA_TranslucentBackground);
-  drawBox(painter, rect(), rounded ? cornerRadius : 0.5, colour.panel, mixed(colour.panel, colour.text, 0.14),
-          1);
+  drawBox(painter, rect(), cornerRadius, colour.panel, mixed(colour.panel, colour.text, 0.14), 1);
 }
 
 void Popover::hideEvent(QHideEvent*) {
+  qApp->removeEventFilter(this);
   Q_EMIT closed();
 }
 
 void Popover::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape) {
-    hide();
-    return;
+  if (event->key() == Qt::Key_Escape) hide();
+}
+
+bool Popover::event(QEvent* event) {
+  // Its controls come before the shortcuts of the screen, which are plain keys.
+  if (event->type() == QEvent::ShortcutOverride &&
+      static_cast<QKeyEvent*>(event)->modifiers() == Qt::NoModifier) {
+    event->accept();
+    return true;
   }
-  QWidget::keyPressEvent(event);
+  return QWidget::event(event);
+}
+
+bool Popover::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::MouseButtonPress) return false;
+  const auto* clicked = qobject_cast<QWidget*>(watched);
+  if (clicked == nullptr || clicked->window() != window() || clicked == this || isAncestorOf(clicked))
+    return false;
+  hide();
+  return true;  // or the button that opened it would open it again at once
+}
+
+bool Popover::focusNextPrevChild(bool next) {
+  if (!isVisible()) {
+    if (anchor != nullptr) anchor->setFocus(Qt::OtherFocusReason);
+    return true;
+  }
+  QWidget* const from = focusWidget() != nullptr ? focusWidget() : this;
+  const auto after = [next](const QWidget* widget) {
+    return next ? widget->nextInFocusChain() : widget->previousInFocusChain();
+  };
+  for (QWidget* widget = after(from); widget != from; widget = after(widget)) {
+    if (!isAncestorOf(widget) || !(widget->focusPolicy() & Qt::TabFocus) || !widget->isEnabled()) continue;
+    widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    break;
+  }
+  return true;
 }
 
 }  // namespace zarnet

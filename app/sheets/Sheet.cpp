@@ -1,12 +1,12 @@
 #include "app/sheets/Sheet.h"
 
+#include "app/widgets/Accessibility.h"
 #include "app/widgets/Button.h"
 #include "app/widgets/FocusRing.h"
 #include "app/widgets/Spinner.h"
 #include "app/widgets/Text.h"
 #include "desktop/Palette.h"
 
-#include <QAccessible>
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -57,8 +57,7 @@ void BusySheet::setProgress(const QString& text) {
   if (progress->text() == text) return;
   progress->setText(text);
   fit();
-  QAccessibleEvent event(progress, QAccessible::Alert);
-  QAccessible::updateAccessibility(&event);
+  announce(*progress, text);
 }
 
 void BusySheet::closeEvent(QCloseEvent* event) {

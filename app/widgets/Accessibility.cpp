@@ -61,11 +61,18 @@ class SliderInterface : public QAccessibleWidget, public QAccessibleValueInterfa
 };
 
 /// A picker that is called by its label and described by its choice; the toolkit's own names it by the
-/// choice.
+/// choice. Its one child is the list of its entries, shown or not.
 class PickerInterface : public QAccessibleWidget {
  public:
   explicit PickerInterface(Picker* picker) : QAccessibleWidget(picker, QAccessible::ComboBox) {}
 
+  int childCount() const override { return 1; }
+  QAccessibleInterface* child(int index) const override {
+    return index == 0 ? QAccessible::queryAccessibleInterface(picker()->view()) : nullptr;
+  }
+  int indexOfChild(const QAccessibleInterface* child) const override {
+    return child != nullptr && child->object() == picker()->view() ? 0 : -1;
+  }
   QString text(QAccessible::Text kind) const override {
     if (kind == QAccessible::Value || kind == QAccessible::Description) return picker()->currentText();
     return QAccessibleWidget::text(kind);
@@ -98,7 +105,17 @@ class DecorationInterface : public QAccessibleWidget {
   }
 };
 
-QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
+/// Roles of what is known here by name only, or is nothing but a role.
+QAccessibleInterface* groupFor(const QString& type, QWidget* widget) {
+  if (type == u"zarnet::Popover") return new QAccessibleWidget(widget, QAccessible::Dialog);
+  if (type == u"zarnet::Screen") return new QAccessibleWidget(widget, QAccessible::Pane);
+  if (type == u"zarnet::SegmentedPicker") return new QAccessibleWidget(widget, QAccessible::Grouping);
+  // The frame of a window that is not the main one.
+  if (type == u"QWidget" && widget->isWindow()) return new QAccessibleWidget(widget, QAccessible::Dialog);
+  return nullptr;
+}
+
+QAccessibleInterface* interfaceFor(const QString& type, QObject* object) {
   if (auto* button = qobject_cast<SelectableButton*>(object)) return new SelectableInterface(button);
   if (auto* slider = qobject_cast<Slider*>(object)) return new SliderInterface(slider);
   if (auto* picker = qobject_cast<Picker*>(object)) return new PickerInterface(picker);
@@ -110,10 +127,22 @@ QAccessibleInterface* interfaceFor(const QString&, QObject* object) {
   if (auto* artwork = qobject_cast<Artwork*>(object))
     return new QAccessibleWidget(artwork, QAccessible::Graphic);
   if (auto* symbol = qobject_cast<SymbolView*>(object)) return new DecorationInterface(symbol);
-  return nullptr;
+  auto* widget = qobject_cast<QWidget*>(object);
+  return widget != nullptr ? groupFor(type, widget) : nullptr;
 }
 
 }  // namespace
+
+void nameFor(QWidget& widget, const QString& name) {
+  if (widget.accessibleName() != name) widget.setAccessibleName(name);
+}
+
+void announce([[maybe_unused]] QWidget& widget, [[maybe_unused]] const QString& text) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+  QAccessibleAnnouncementEvent event(&widget, text);
+  QAccessible::updateAccessibility(&event);
+#endif
+}
 
 void installAccessibility() {
   QAccessible::installFactory(interfaceFor);

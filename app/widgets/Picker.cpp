@@ -7,6 +7,7 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollArea>
@@ -24,6 +25,18 @@ Picker::Picker(QWidget* parent) : QComboBox(parent) {
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
   });
+  // Once the mouse or a key has selected an entry, it is the current one, too.
+  connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this, &Picker::takeSelection,
+          Qt::QueuedConnection);
+}
+
+void Picker::takeSelection() {
+  const QModelIndexList selected = view()->selectionModel()->selectedIndexes();
+  if (selected.size() != 1 || selected.front() == view()->currentIndex()) return;
+  setCurrentIndex(selected.front().row());
+  hidePopup();
+  Q_EMIT activated(currentIndex());
+  Q_EMIT textActivated(currentText());
 }
 
 void Picker::paintEvent(QPaintEvent*) {

@@ -18,6 +18,10 @@ class Picker : public QComboBox {
   void paintEvent(QPaintEvent*) override;
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  /// Chooses the entry that a screen reader has selected in the list.
+  void takeSelection();
 };
 
 }  // namespace zarnet

@@ -26,6 +26,7 @@ TEST(Wording, TellsTimesTracksAndSettings) {
       {blindnessText(true), "Revealed"},
       {levelText(false), "Original relative levels"},
       {levelText(true), "Loudness matched"},
+      {heardText("B"), "Listening to B"},
       {confirmLabel(0, 1), "Confirm & reveal"},
       {confirmLabel(0, 4), "Confirm & next track"},
       {confirmLabel(2, 4), "Confirm & next track"},

@@ -334,7 +334,7 @@ const Picture screens[] = {
        scene.click("Loop");
        scene.model.loop = true;
        scene.settle();
-       return Scene::shown<Popover>();
+       return scene.window.findChild<Popover*>();
      }},
     {"reveal-lossless",
      [](Scene& scene) {
