@@ -218,6 +218,10 @@ bool NativeRoot::takesDrops() const {
   return *model.stage == Stage::setup && !model.importing && !model.busy;
 }
 
+bool NativeRoot::takes(const QDropEvent& drag) const {
+  return takesDrops() && drag.possibleActions().testFlag(Qt::CopyAction) && carriesFiles(*drag.mimeData());
+}
+
 bool NativeRoot::drop(const std::vector<std::shared_ptr<ItemProvider>>& providers) {
   if (!takesDrops()) return false;
   loadFiles(providers, [self = QPointer<NativeRoot>(this)](const std::vector<std::filesystem::path>& files) {
@@ -227,7 +231,7 @@ bool NativeRoot::drop(const std::vector<std::shared_ptr<ItemProvider>>& provider
 }
 
 void NativeRoot::dragEnterEvent(QDragEnterEvent* event) {
-  if (!takesDrops() || !carriesFiles(*event->mimeData())) return event->ignore();
+  if (!takes(*event)) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
   setTargeted(true);
@@ -239,7 +243,7 @@ void NativeRoot::dragLeaveEvent(QDragLeaveEvent*) {
 
 void NativeRoot::dropEvent(QDropEvent* event) {
   setTargeted(false);
-  if (!drop(droppedItems(*event->mimeData()))) return event->ignore();
+  if (!takes(*event) || !drop(droppedItems(*event->mimeData()))) return event->ignore();
   event->setDropAction(Qt::CopyAction);
   event->accept();
 }

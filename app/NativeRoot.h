@@ -52,6 +52,8 @@ class NativeRoot : public ModelView {
   void reportHeight();
   void setTargeted(bool targeted);
   bool takesDrops() const;
+  /// Whether a drag may be dropped now: an import copies, it never takes a file away.
+  bool takes(const QDropEvent& drag) const;
 
   const std::function<void(double)> onContentHeight;
 

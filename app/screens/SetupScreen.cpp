@@ -55,7 +55,7 @@ QWidget* SetupScreen::songPanel() {
   QWidget* empty = emptyPanel();
   auto* filled = new QWidget;
   auto* column = new QVBoxLayout(filled);
-  column->setContentsMargins(24, 24, 24, 24);
+  column->setContentsMargins(24, 24, 24 - SongList::overhang, 24);
   column->setSpacing(12);
 
   auto* count = new Text(TextStyle::headline);
@@ -66,6 +66,7 @@ QWidget* SetupScreen::songPanel() {
   connect(add, &QAbstractButton::clicked, this, [this] { model.choose(); });
   connect(clear, &QAbstractButton::clicked, this, [this] { model.clearSongs(); });
   auto* row = new QHBoxLayout;
+  row->setContentsMargins(0, 0, SongList::overhang, 0);
   row->setSpacing(12);
   row->addWidget(count);
   row->addStretch(1);

@@ -17,6 +17,7 @@
 namespace zarnet {
 
 namespace {
+constexpr int removeSize = 28;       ///< points, of a remove button
 constexpr std::size_t portion = 12;  ///< rows made in one turn of the event loop: about 10 ms
 
 /// Shows what was added to a column, and makes room for it from the window down. The toolkit would begin at
@@ -54,7 +55,8 @@ class SongList::Row : public QWidget {
     clock->setSecondary(true);
     clock->setText(clockText(song.duration));
 
-    button->setSymbol(QStringLiteral("xmark"), 14);
+    button->setSymbol(QStringLiteral("xmark"), removeSize - 2 * overhang);
+    button->setFixedSize(removeSize, removeSize);
     const QString help = QStringLiteral("Remove ") + song.title;
     setHelp(*button, help);
     button->setAccessibleName(help);
@@ -65,11 +67,17 @@ class SongList::Row : public QWidget {
     row->setSpacing(14);
     row->addWidget(new SymbolView(QStringLiteral("waveform"), {36, 20}, SymbolView::Ink::accent));
     row->addLayout(titles, 1);
-    row->addWidget(clock);
-    row->addWidget(button);
+    auto* end = new QHBoxLayout;
+    end->setSpacing(row->spacing() - overhang);
+    end->addWidget(clock);
+    end->addWidget(button);
+    row->addLayout(end);
 
     auto* stack = bareColumn(this, 0);
-    stack->addWidget(divider);
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(0, 0, overhang, 0);
+    line->addWidget(divider);
+    stack->addLayout(line);
     stack->addLayout(row);
   }
 

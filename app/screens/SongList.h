@@ -17,6 +17,9 @@ class SongList : public QWidget {
   Q_OBJECT
 
  public:
+  /// How far the remove buttons reach out of the column of their crosses, to the right, in points.
+  static constexpr int overhang = 7;
+
   /// `remove` is called with the song whose remove button was pressed. The Tab key comes to these buttons
   /// after `before`, which stands in the same window and outlives the list.
   SongList(QWidget* before, std::function<void(const Song&)> remove);

@@ -25,6 +25,9 @@ Picker::Picker(QWidget* parent) : QComboBox(parent) {
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&event);
   });
+  // The list tells assistive technology what is chosen also while it is closed.
+  connect(this, &QComboBox::currentIndexChanged, this,
+          [this](int index) { view()->setCurrentIndex(model()->index(index, modelColumn())); });
   // Once the mouse or a key has selected an entry, it is the current one, too.
   connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this, &Picker::takeSelection,
           Qt::QueuedConnection);
@@ -42,7 +45,6 @@ void Picker::takeSelection() {
 void Picker::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  if (!isEnabled()) painter.setOpacity(0.4);
   const Tokens colour = tokens(palette());
   const QColor fill = mixed(colour.controlFill, colour.text, underMouse() && isEnabled() ? 0.04 : 0);
   drawBox(painter, rect(), 8, fill, colour.controlEdge, 1);
