@@ -11,7 +11,12 @@ namespace zarnet {
 
 namespace {
 constexpr qint64 settling = 400;  // ms, in which a window manager may still answer the program's last move
-constexpr double backdropOpacity = 0.9;  // nothing blurs what lies behind; texts stay legible over anything
+
+/// Nothing blurs what lies behind: as much shows through as leaves captions legible over black or white.
+double backdropOpacity(const Tokens& colour) {
+  return colour.dark ? 0.9 : 0.965;
+}
+
 }  // namespace
 
 MainWindow::MainWindow() : translucent(canBeTranslucent()) {
@@ -38,8 +43,10 @@ void MainWindow::place(const QPoint& corner, const QSize& size) {
 void MainWindow::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setCompositionMode(QPainter::CompositionMode_Source);
-  const QColor ground = tokens(palette()).window;
-  painter.fillRect(rect(), translucent && backdropVisible ? withOpacity(ground, backdropOpacity) : ground);
+  const Tokens colour = tokens(palette());
+  painter.fillRect(rect(), translucent && backdropVisible
+                               ? withOpacity(colour.window, backdropOpacity(colour))
+                               : colour.window);
 }
 
 void MainWindow::moveEvent(QMoveEvent* event) {

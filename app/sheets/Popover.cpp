@@ -58,6 +58,7 @@ void Popover::paintEvent(QPaintEvent*) {
 
 void Popover::hideEvent(QHideEvent*) {
   qApp->removeEventFilter(this);
+  if (anchor != nullptr && isAncestorOf(window()->focusWidget())) anchor->setFocus(Qt::OtherFocusReason);
   Q_EMIT closed();
 }
 
@@ -85,10 +86,6 @@ bool Popover::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool Popover::focusNextPrevChild(bool next) {
-  if (!isVisible()) {
-    if (anchor != nullptr) anchor->setFocus(Qt::OtherFocusReason);
-    return true;
-  }
   QWidget* const from = focusWidget() != nullptr ? focusWidget() : this;
   const auto after = [next](const QWidget* widget) {
     return next ? widget->nextInFocusChain() : widget->previousInFocusChain();

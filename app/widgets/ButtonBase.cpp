@@ -45,10 +45,7 @@ QColor ButtonBase::shifted(const QColor& fill) const {
 }
 
 void ButtonBase::paintEvent(QPaintEvent*) {
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  if (!isEnabled()) painter.setOpacity(0.4);
-  paint(painter);
+  drawControl(*this, [this](QPainter& painter) { paint(painter); });
 }
 
 void ButtonBase::keyPressEvent(QKeyEvent* event) {

@@ -9,7 +9,7 @@
 namespace zarnet {
 
 /// What all buttons of the application share: Return and Enter activate the focused one, hover and press
-/// shift the fill gradually, disabled means 0.4 of the opacity. Derived classes draw themselves in `paint`.
+/// shift the fill gradually. Derived classes draw themselves in `paint`.
 class ButtonBase : public QAbstractButton {
   Q_OBJECT
 
@@ -20,7 +20,7 @@ class ButtonBase : public QAbstractButton {
   virtual double cornerRadius() const { return 8; }
 
  protected:
-  /// Draws the control; the painter is antialiased and carries the disabled opacity already.
+  /// Draws the control, as if it were enabled; the painter is antialiased.
   virtual void paint(QPainter& painter) = 0;
 
   Tokens colours() const { return tokens(palette()); }

@@ -73,7 +73,7 @@ void SegmentedPicker::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
   const Tokens colour = tokens(palette());
-  drawBox(painter, rect(), 8, mixed(colour.sliderTrack, colour.panel, colour.dark ? 0.3 : 0.35), {}, 0);
+  drawBox(painter, rect(), 8, mixed(colour.sliderTrack, colour.panel, colour.dark ? 0.3 : 0.5), {}, 0);
 }
 
 }  // namespace zarnet

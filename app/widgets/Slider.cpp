@@ -44,7 +44,6 @@ int Slider::valueAt(double x) const {
 void Slider::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.setRenderHint(QPainter::Antialiasing);
-  if (!isEnabled()) painter.setOpacity(0.4);
   const Tokens colour = tokens(palette());
   const double part =
       maximum() > minimum() ? static_cast<double>(value() - minimum()) / (maximum() - minimum()) : 0;

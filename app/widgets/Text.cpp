@@ -114,7 +114,6 @@ int Text::heightForWidth(int width) const {
 void Text::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const Tokens colour = tokens(palette());
-  if (!isEnabled()) painter.setOpacity(0.4);
   painter.setPen(secondary ? colour.secondary : colour.text);
   QList<QTextLayout::FormatRange> marks;
   if (markAnchor != markCursor) {

@@ -72,10 +72,10 @@ void Switch::nextCheckState() {
 
 void Switch::paint(QPainter& painter) {
   const Tokens colour = colours();
-  const QColor off = mixed(colour.sliderTrack, colour.text, 0.12);
+  const QColor off = mixed(colour.sliderTrack, colour.text, colour.dark ? 0.12 : 0.4);
   drawBox(painter, rect(), cornerRadius(), shifted(mixed(off, colour.accent, knob)), {}, 0);
   const double diameter = height() - 4;
-  painter.setBrush(Qt::white);
+  painter.setBrush(mixed(Qt::white, colour.textOnAccent, knob));  // 3 : 1 on the track, on as off
   painter.drawEllipse(QRectF(2 + knob * (width() - height()), 2, diameter, diameter));
 }
 

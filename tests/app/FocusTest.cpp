@@ -1,13 +1,18 @@
 // Where the keyboard is, and whether it is seen there, when what had the focus goes away.
 
 #include "app/NativeRoot.h"
+#include "app/screens/ListenScreen.h"
 #include "app/screens/NativeSettings.h"
+#include "app/sheets/Popover.h"
+#include "app/widgets/SegmentedPicker.h"
 #include "tests/support/EventLoop.h"
 #include "tests/support/FakeAudioEngine.h"
 #include "tests/support/ScratchFolder.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -159,30 +164,119 @@ TEST_F(Focus, ChangesNoSettingOutOfSight) {
   EXPECT_EQ(model.codec, "MP3");
 }
 
-TEST_F(Focus, IsNotNeededToToggleByAssistiveTechnology) {
+/// The first of this name, and with this action unless it is empty, below a node of the tree that assistive
+/// technology sees.
+QAccessibleInterface* find(QAccessibleInterface* node, const QString& name, const QString& action = {}) {
+  if (node == nullptr) return nullptr;
+  auto* actions = node->actionInterface();
+  if (node->text(QAccessible::Name) == name &&
+      (action.isEmpty() || (actions != nullptr && actions->actionNames().contains(action))))
+    return node;
+  for (int i = 0; i < node->childCount(); ++i) {
+    if (auto* found = find(node->child(i), name, action)) return found;
+  }
+  return nullptr;
+}
+
+using AssistiveTechnology = Focus;
+
+TEST_F(AssistiveTechnology, TogglesAndChoosesByItself) {
+  using Actions = QAccessibleActionInterface;
   NativeSettings settings(model);
+  settings.setWindowFlag(Qt::Window);
   settings.show();
+  const auto use = [](QWidget& window, const QString& name, const QString& action) {
+    const auto found = [&] { return find(QAccessible::queryAccessibleInterface(&window), name, action); };
+    ASSERT_TRUE(eventually([&] { return found() != nullptr; }, std::chrono::seconds(5)))
+        << name.toStdString();
+    found()->actionInterface()->doAction(action);
+    settle();
+  };
+  list(1);
+  use(root, "Match loudness", Actions::toggleAction());
+  EXPECT_FALSE(model.match);
+  use(root, "Ogg Vorbis", Actions::toggleAction());
+  EXPECT_EQ(model.codec, "Ogg Vorbis");
+  use(root, "96 kbps", Actions::toggleAction());
+  EXPECT_EQ(model.rate, 96);
+  use(settings, "Liquid Glass", Actions::toggleAction());
+  EXPECT_FALSE(model.glass);
+
+  compare(1);
+  use(root, "Loop", Actions::pressAction());
+  use(root, "Loop a section", Actions::toggleAction());
+  EXPECT_TRUE(model.loop);
+  EXPECT_EQ(focused(), "Loop a section");
+  use(root, "Set end", Actions::pressAction());
+  EXPECT_TRUE(eventually([&] { return *model.loopEnd > 0; }));
+}
+
+TEST_F(AssistiveTechnology, SeesWhatPartsAreAndHearsWhichSideIsHeard) {
   compare(1);
   QTest::keyClick(focus("Loop"), Qt::Key_Return);
   settle();
-  const auto toggle = [](const QString& name) {
-    for (QWidget* widget : QApplication::allWidgets()) {
-      auto* said = QAccessible::queryAccessibleInterface(widget);
-      if (said == nullptr || said->text(QAccessible::Name) != name) continue;
-      auto* actions = said->actionInterface();
-      const QString& action = QAccessibleActionInterface::toggleAction();
-      if (actions != nullptr && actions->actionNames().contains(action)) return actions->doAction(action);
-    }
-    FAIL() << name.toStdString();
-  };
-  toggle("Loop a section");
-  EXPECT_TRUE(model.loop);
-  toggle("Liquid Glass");
-  EXPECT_FALSE(model.glass);
-  model.back();
+  NativeSettings settings(model);
+  QWidget window;
+  const std::tuple<QWidget*, const char*, QAccessible::Role> parts[] = {
+      {root.findChild<ListenScreen*>(), "the screen", QAccessible::Pane},
+      {root.findChild<Popover*>(), "the popover", QAccessible::Dialog},
+      {settings.findChild<SegmentedPicker*>(), "the theme", QAccessible::Grouping},
+      {&window, "a window", QAccessible::Dialog}};
+  for (const auto& [widget, name, role] : parts)
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(widget)->role(), role) << name;
+  model.select("B");
   settle();
-  toggle("Match loudness");
-  EXPECT_FALSE(model.match);
+  EXPECT_EQ(root.findChild<ListenScreen*>()->accessibleDescription(), "Listening to B");
+}
+
+TEST_F(Focus, BelongsToTheLoopPopoverUntilItCloses) {
+  compare(1);
+  focus("Loop");
+  const auto press = [&](Qt::Key key) {
+    QTest::keyClick(root.focusWidget(), key);
+    settle();
+  };
+  press(Qt::Key_Return);
+  EXPECT_EQ(focused(), "Loop a section");
+  press(Qt::Key_Space);  // not playback
+  EXPECT_TRUE(model.loop);
+  press(Qt::Key_B);
+  EXPECT_EQ(model.selected, "A");
+  for (const char* next : {"Set start", "Set end", "Loop a section"}) {
+    press(Qt::Key_Tab);
+    EXPECT_EQ(focused(), next);
+  }
+  press(Qt::Key_Escape);
+  EXPECT_EQ(focused(), "Loop on");
+  press(Qt::Key_Return);
+  QTest::mouseClick(control("Preference: B"), Qt::LeftButton);
+  settle();
+  EXPECT_FALSE(root.findChild<Popover*>()->isVisible());
+  EXPECT_EQ(model.vote, std::nullopt) << "the click only closes it";
+}
+
+using Drops = Focus;
+
+TEST_F(Drops, AreCopiedDuringSetupAndElseRefused) {
+  QMimeData files;
+  files.setUrls({QUrl(QStringLiteral("file:///nonexistent/one.wav"))});
+  const auto dropped = [&](Qt::DropActions offered) {
+    QDragEnterEvent enter(QPoint(9, 9), offered, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&root, &enter);
+    if (!enter.isAccepted()) return false;
+    QDropEvent drop(QPointF(9, 9), offered, &files, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&root, &drop);
+    return drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
+  };
+  EXPECT_FALSE(dropped(Qt::MoveAction)) << "it would be taken away";
+  EXPECT_TRUE(dropped(Qt::MoveAction | Qt::CopyAction));
+  EXPECT_TRUE(eventually([&] { return model.error->has_value(); })) << "there is no such file";
+  EXPECT_FALSE(model.importing);
+  model.busy = true;
+  EXPECT_FALSE(dropped(Qt::CopyAction));
+  model.busy = false;
+  model.stage = Stage::listen;
+  EXPECT_FALSE(dropped(Qt::CopyAction));
 }
 
 }  // namespace
