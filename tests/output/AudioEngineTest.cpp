@@ -49,7 +49,8 @@ TEST(AudioEngine, DoesNotStartOnAnOutputThatChangesWhileItIsBeingOpened) {
   std::string reason;
   EXPECT_TRUE(waitUntil([&] {
     reason = failureOf<PlatformError>([&] { engine->start(1); });
-    if (!reason.empty()) EXPECT_FALSE(engine->isRunning());  // a session that began may be over by now
+    // A session that began may be over by now.
+    EXPECT_FALSE(!reason.empty() && engine->isRunning());
     engine->stop();
     return !reason.empty();
   }));
