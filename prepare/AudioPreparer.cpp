@@ -16,6 +16,7 @@ namespace zarnet {
 namespace {
 
 constexpr std::string_view prefix = "Brevolt-";  // of a workspace's name
+constexpr std::int64_t reasonBytes = 4096;       // a program on a full disk can still say why it fails
 constexpr std::size_t tailCharacters = 650;      // of a failed program's log, shown to the user
 
 }  // namespace
@@ -38,7 +39,8 @@ AudioPreparer::~AudioPreparer() {
 void AudioPreparer::run(const std::filesystem::path& executable, const std::vector<std::string>& arguments) {
   checkCancellation();
   const std::filesystem::path logPath = directory / "process.log";
-  const FileHandle log = FileHandle::createForWriting(logPath);
+  FileHandle log = FileHandle::createForWriting(logPath);
+  log.reserve(reasonBytes);
   std::optional<ChildProcess> child;
   {
     // Checked and launched under the lock: `cancel` comes either before, or finds the child.

@@ -110,6 +110,11 @@ void FileHandle::writeAt(std::int64_t offset, const void* source, std::size_t by
   });
 }
 
+void FileHandle::reserve(std::int64_t bytes) {
+  if (fallocate(file.get(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && (errno == ENOSPC || errno == EDQUOT))
+    throw systemError(path, "could not be written", errno);
+}
+
 void FileHandle::close() {
   if (!file.close()) throw systemError(path, "could not be written", errno);
 }

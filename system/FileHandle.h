@@ -30,6 +30,9 @@ class FileHandle {
 
   /// The same to a place of its own, without moving the writing position.
   void writeAt(std::int64_t offset, const void* source, std::size_t bytes);
+  /// Sets aside room on the disk for the first `bytes` bytes; the size stays. Raises when there is none;
+  /// where the file system cannot do it, nothing happens.
+  void reserve(std::int64_t bytes);
   /// Closes the file before the end of its scope and raises when something that was written is lost. Nothing
   /// else may be called afterwards.
   void close();

@@ -9,6 +9,7 @@
 #include <set>
 #include <thread>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
@@ -195,6 +196,7 @@ TEST_F(OlderSet, IsReplacedAsAWholeAlsoWhereFoldersCannotBeExchanged) {
   writeSet(place);
   std::jthread([&] {
     forbidExchange();
+    EXPECT_EQ(renameat2(AT_FDCWD, place.c_str(), AT_FDCWD, place.c_str(), RENAME_EXCHANGE), -1);
     EXPECT_EQ(prepare().status, 0);
   }).join();
   expectWholeSet(false);
