@@ -212,6 +212,36 @@ TEST_F(Screens, AKeyboardIsEnoughForATestOfTwoTracks) {
   unsetenv("PULSE_SERVER");
 }
 
+TEST_F(Screens, OpenTheOtherWindowsFromTheMenu) {
+  const auto choose = [&](const QString& text) {
+    for (QAction* item : window->findChildren<QAction*>()) {
+      if (item->text() == text) return item->trigger();
+    }
+    FAIL() << "no menu item " << text.toStdString();
+  };
+  choose("Donate…");  // there is no browser here
+  EXPECT_TRUE(eventually([] { return sees("OK"); }));
+  EXPECT_TRUE(visibleTexts().join('\n').contains("Could not open the donation page. Visit http"));
+  click("OK");
+  QApplication::setApplicationVersion("9.8");
+  choose("About Zarnet");
+  expect({"Version 9.8"});
+  choose("Acknowledgements…");
+  expect({"Blind audio preference comparisons.", "Here AAC is encoded by FFmpeg’s libavcodec."});
+
+  choose("Settings…");
+  const auto lightness = [&](QWidget* of) {
+    return of->grab().toImage().pixelColor(of->width() / 2, of->height() - 5).lightness();
+  };
+  QWidget* glass = control("Liquid Glass");
+  for (const bool dark : {true, false, true}) {
+    click(dark ? "Dark" : "Light");
+    for (QWidget* each : {window, glass->window()})
+      EXPECT_TRUE(eventually([&] { return dark ? lightness(each) < 60 : lightness(each) > 200; }));
+  }
+  click("System");
+}
+
 class ScreensUnder : public Screens, public testing::WithParamInterface<const char*> {};
 
 TEST_P(ScreensUnder, ASheetEndByTheQuitKeyAndWithTheSession) {
