@@ -34,16 +34,16 @@ class TemporaryFolder {
 TEST(Workspace, GoesWithTheNextStartWhenItsProcessWasKilled) {
   const test::ScratchFolder scratch;
   const TemporaryFolder temporary(scratch.path());
-  const AudioPreparer living("/nowhere/lame");
   const fs::path left = scratch / ("Brevolt-" + newUUID());
+  createFolders(left / "id");
+  test::writeFile(left / "id" / "original.wav", "content");
+  const AudioPreparer living("/nowhere/lame");
   const fs::path link = scratch / ("Brevolt-" + newUUID());
   const fs::path kept[] = {scratch / "Brevolt-notes", scratch / ("Other-" + newUUID()), living.directory,
                            scratch / "elsewhere" / ("Brevolt-" + newUUID())};
   for (const fs::path& folder : kept)
     createFolders(folder / "content");
   fs::create_directory_symlink(kept[0], link);
-  createFolders(left / "id");
-  test::writeFile(left / "id" / "original.wav", "content");
   AudioPreparer("/nowhere/lame");  // ends when its search has
   // The other one may have found it first.
   EXPECT_TRUE(test::waitUntil([&] { return !fs::exists(left); }));
