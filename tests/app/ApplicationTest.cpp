@@ -140,6 +140,8 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
 
   RunningProgram zarnet({ZARNET_PROGRAM, one, two});
   await("2 tracks");
+  press("Format");
+  press("MP3");
   press("Start blind comparison");
   press("Continue");
   await("Listen to A", {ATSPI_STATE_SELECTED});
@@ -150,13 +152,16 @@ TEST_F(Application, TakesAListenerFromTwoFilesToASavedPictureAndEndsInGoodOrder)
     key("b", [&] { return find("Listen to B", {ATSPI_STATE_SELECTED}) != nullptr; });
     press("Pause");
   }
+  press("Loop");
+  press("Loop a section");
+  await("Loop on");
   EXPECT_EQ(find("Lossless original"), nullptr);
   press("Preference: B");
   press("Confirm & next track");
   await("Track 2 of 2");
   press("Preference: I can’t tell");
   press("Confirm & show tally");
-  await("2 tracks · Lossless vs AAC · 256 kbps");
+  await("2 tracks · Lossless vs MP3 · 256 kbps");
   press("Save results image…");
   const Node field = await("", {ATSPI_STATE_EDITABLE});
   EXPECT_TRUE(
