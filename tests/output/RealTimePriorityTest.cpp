@@ -112,7 +112,6 @@ TEST(RealTimePriority, IsLostInsteadOfTheProcessWhenAThreadComputesTooLong) {
     thread.join();
   }
   EXPECT_TRUE(ordinary);
-  EXPECT_EXIT(std::raise(SIGXCPU), testing::KilledBySignal(SIGXCPU), "") << "without such a thread";
 }
 
 }  // namespace
