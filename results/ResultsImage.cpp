@@ -123,6 +123,9 @@ void drawRow(QPainter& painter, std::size_t number, const TrackResult& answer, c
            16, QFont::Normal, muted, {688, y + 67, 226, 26});
 }
 
+/// Of all titles: more than twice of what fits on the highest image in the narrowest letters.
+constexpr qsizetype mostCharacters = 250'000;
+
 ResultsError notCreated() {
   return ResultsError("Could not create the results image.");
 }
@@ -132,6 +135,11 @@ ResultsError notCreated() {
 QByteArray renderResultsPNG(const std::vector<TrackResult>& answers, const QString& codec,
                             std::int64_t bitrate, bool matched) {
   if (answers.empty()) throw ResultsError("Complete a comparison first.");
+  // Before it is laid out, which takes seconds for a million characters.
+  qsizetype characters = 0;
+  for (const TrackResult& answer : answers)
+    characters += answer.title.size();
+  if (characters > mostCharacters) throw tooLarge();
 
   const QFont titleFont = resultsFont(23, QFont::DemiBold);
   std::deque<TextBlock> titles;

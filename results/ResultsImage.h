@@ -22,7 +22,8 @@ struct TrackResult {
 /// is in kbps, `matched` tells whether loudness was matched.
 ///
 /// Raises `ResultsError`: "Complete a comparison first." without answers; "This comparison is too large to
-/// save as one image." when the height would be 30000 pixels or more; "Could not create the results image."
+/// save as one image." when the height would be 30000 pixels or more, or the titles have more than
+/// 250,000 UTF-16 units; "Could not create the results image."
 /// when the bitmap cannot be had or encoded.
 ///
 /// Needs up to 120 MB for the bitmap and little besides. Keeps no state.

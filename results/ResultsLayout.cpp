@@ -1,7 +1,5 @@
 #include "results/ResultsLayout.h"
 
-#include "results/ResultsError.h"
-
 #include <algorithm>
 
 namespace zarnet {
@@ -14,6 +12,10 @@ constexpr double aroundTitle = 76;
 constexpr double leastRow = 112;
 }  // namespace
 
+ResultsError tooLarge() {
+  return ResultsError("This comparison is too large to save as one image.");
+}
+
 ResultsLayout resultsLayout(const std::vector<double>& titleHeights) {
   ResultsLayout layout{{}, firstRow + bottomMargin + rowGap * (static_cast<double>(titleHeights.size()) - 1)};
   layout.rows.reserve(titleHeights.size());
@@ -24,7 +26,7 @@ ResultsLayout resultsLayout(const std::vector<double>& titleHeights) {
     layout.height += height;
     y += height + rowGap;
   }
-  if (layout.height >= tooHigh) throw ResultsError("This comparison is too large to save as one image.");
+  if (layout.height >= tooHigh) throw tooLarge();
   return layout;
 }
 

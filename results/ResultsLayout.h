@@ -1,5 +1,7 @@
 #pragma once
 
+#include "results/ResultsError.h"
+
 #include <QString>
 #include <vector>
 
@@ -26,9 +28,11 @@ constexpr double tooHigh = 30000;
 /// Width of the box that a track's title is wrapped in.
 constexpr double titleWidth = 510;
 
+/// "This comparison is too large to save as one image."
+ResultsError tooLarge();
+
 /// Stacks the rows below the header, each as high as its title needs. `titleHeights` are those of the wrapped
-/// titles; at least one. Raises `ResultsError` "This comparison is too large to save as one image." when the
-/// image would be `tooHigh` or more.
+/// titles; at least one. Raises `tooLarge` when the image would be `tooHigh` or more.
 ResultsLayout resultsLayout(const std::vector<double>& titleHeights);
 
 /// How many of `total` are `count`, as whole percent cut towards zero: "33%". Computed as

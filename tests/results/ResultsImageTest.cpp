@@ -17,6 +17,11 @@ TEST(ResultsImage, RefusesNoAnswersAndTooMany) {
   EXPECT_EQ(refusal(0), "Zarnet.Results 1: Complete a comparison first.");
   EXPECT_EQ(refusal(239), "Zarnet.Results 1: This comparison is too large to save as one image.");
   EXPECT_EQ(refusal(238), "");
+  EXPECT_NE(test::failureOf<ResultsError>([] {
+              renderResultsPNG({{QString(250'001, QChar(0x200B)), "A", "B"}}, "MP3", 8, true);
+            }),
+            "")
+      << "a text of no width, which takes long to lay out";
 }
 
 TEST(ResultsImage, CutsSharesToWholePercent) {
