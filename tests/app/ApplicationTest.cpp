@@ -249,8 +249,14 @@ TEST_F(Application, TakesOverWhatALaterStartIsAskedFor) {
   await("Import your audio.");
 
   EXPECT_TRUE(waitUntil([&] { return isInFront(zarnet); }, limit));
-  EXPECT_EQ(runProgram({"xdotool", "getactivewindow", "windowminimize"}).status, 0);
-  EXPECT_TRUE(waitUntil([&] { return !isInFront(zarnet); }, limit));
+  // Its own wish at the start to be in front may still be on its way to the window manager.
+  EXPECT_TRUE(waitUntil(
+      [&] {
+        if (!isInFront(zarnet)) return true;
+        runProgram({"xdotool", "getactivewindow", "windowminimize"});
+        return false;
+      },
+      limit));
   EXPECT_EQ(second({})->exitStatus(limit), 0);
   EXPECT_TRUE(waitUntil([&] { return isInFront(zarnet); }, limit)) << "comes to the front";
   EXPECT_EQ(second({one, two})->exitStatus(limit), 0);
