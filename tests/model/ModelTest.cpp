@@ -67,25 +67,27 @@ TEST_F(Models, ChangeNothingWhereAnOperationMayNotBegin) {
   EXPECT_THAT(changes, IsEmpty()) << "not continued";
 }
 
-// A death test, by its name, comes before any thread is started.
+// A death test, by its name, comes before any thread is started; a model starts some.
 TEST(SettingsDeathTest, GoOnInAnotherProcess) {
   const ScratchFolder scratch;
   const auto file = scratch / "new folder" / "defaults.json";
-  const auto settings = [&](bool change) {
-    NativeModel model(scratch.path(), std::make_unique<FakeAudioEngine>(), Defaults(file));
+  const auto damaged = scratch / "damaged.json";
+  const auto settings = [&](const std::filesystem::path& at, bool change) {
+    NativeModel model(scratch.path(), std::make_unique<FakeAudioEngine>(), Defaults(at));
     if (!change) return (model.glass ? "glass " : "plain ") + *model.appearance;
     model.glass = false;
     model.appearance = "dark";
     std::_Exit(0);
   };
-  EXPECT_EXIT(settings(true), testing::ExitedWithCode(0), "");
-  EXPECT_EQ(settings(false), "plain dark");
+  writeFile(damaged, "{damaged");
+  EXPECT_EXIT(settings(file, true), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(settings(damaged, true), testing::ExitedWithCode(0), "");
+  EXPECT_EQ(settings(file, false), "plain dark");
+  EXPECT_EQ(settings(damaged, false), "plain dark") << "a damaged file is replaced";
   writeFile(file, R"({"liquidGlass": "false", "appearance": "light"})");
-  EXPECT_EQ(settings(false), "glass light") << "a text is no boolean";
+  EXPECT_EQ(settings(file, false), "glass light") << "a text is no boolean";
   writeFile(file, "{damaged");
-  EXPECT_EQ(settings(false), "glass system");
-  EXPECT_EXIT(settings(true), testing::ExitedWithCode(0), "");
-  EXPECT_EQ(settings(false), "plain dark") << "a damaged file is replaced";
+  EXPECT_EQ(settings(file, false), "glass system");
 }
 
 TEST(TrackMetadata, IsTheFirstTextThatIsLeftOfTheContainersFieldsThenID3ThenPlainInfo) {
