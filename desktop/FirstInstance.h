@@ -13,7 +13,7 @@ namespace zarnet {
 
 /// One running application for each session, by the desktop's convention: the first one owns
 /// "org.zarnet.Zarnet" on the session bus and serves "org.freedesktop.Application" there
-/// (https://specifications.freedesktop.org/desktop-entry-spec/latest/dbus.html); a later one asks it to come
+/// (freedesktop.org, Desktop Entry, “D-Bus Activation”); a later one asks it to come
 /// to the front or to take files. Interface thread.
 class FirstInstance : public QObject, protected QDBusContext {
   Q_OBJECT
