@@ -42,7 +42,7 @@ class FlacDecoder {
 
  private:
   struct Deleter {
-    void operator()(FLAC__StreamDecoder* library) const { FLAC__stream_decoder_delete(library); }
+    void operator()(FLAC__StreamDecoder* decoder) const { FLAC__stream_decoder_delete(decoder); }
   };
 
   static FLAC__StreamDecoderReadStatus read(const FLAC__StreamDecoder*, FLAC__byte* target,
